@@ -1,0 +1,8 @@
+// The whole interface of quista.dll: status codes, records and exports.
+#pragma once
+
+#include "quista/frame.h"
+#include "quista/luns.h"
+#include "quista/mpio.h"
+#include "quista/records.h"
+#include "quista/status.h"
