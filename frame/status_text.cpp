@@ -43,7 +43,8 @@ constexpr StatusText kStatusTexts[] = {
     {DSM_INVALID_DRIVE, "Invalid Drive or a MPIO Path to this Drive could not be located"},
     {DSM_NO_MANAGED_LUNS, "No KORVADSM Managed MPIO LUNS found."},
     {DSM_COM_INIT_FAILED,
-     "Unable to Initialize COM. Check if WMI Service is running and if you have proper permissions"},
+     "Unable to Initialize COM. Check if WMI Service is running and if you have proper "
+     "permissions"},
     {DSM_COM_SECURITY_FAILED,
      "Unable to set security for the process. Check for proper permissions."},
     {DSM_COM_SERVER_FAILED,
@@ -61,8 +62,7 @@ constexpr StatusText kStatusTexts[] = {
      "Setting the default Load Balance Policy for the DSM failed. Check if the MPIO package is "
      "properly installed."},
     {DSM_NO_MPIO_PATHS, "There are no MPIO paths."},
-    {DSM_ISCSI_CLAIM_FAILED,
-     "The operation to have the DSM claim/disclaim iSCSI LUNS failed."},
+    {DSM_ISCSI_CLAIM_FAILED, "The operation to have the DSM claim/disclaim iSCSI LUNS failed."},
     {DSM_LAST_ACTIVE_PATH,
      "The path cannot be disabled as this is the only active path available to the LUN."},
     {DSM_PATH_STATE_UNKNOWN, "The path state could not be obtained."},
@@ -95,4 +95,6 @@ const char* textOf(unsigned long code) {
 
 }  // namespace
 
-char* ConvertError(unsigned long code) { return const_cast<char*>(textOf(code)); }
+char* ConvertError(unsigned long code) {
+    return const_cast<char*>(textOf(code));
+}

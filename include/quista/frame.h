@@ -29,3 +29,9 @@ unsigned long DSMUninitialize();
 /// Tells whether the DSM's class KORVADSM_LUNINFO exists in root\wmi.
 /// @return 0 when it exists, else DSM_ERROR
 unsigned long DSMCheckForKORVADSMClasses();
+
+/// Recompiles MOF files of the installation directory (registry value InstallDir) into root\wmi.
+/// @param which 1: the DSM's classes; anything else: MPIO's classes
+/// @return 0 when nothing failed, also when no installation directory is known; else the HRESULT
+///         of the compiler's creation, or the codes of all failed compilations OR-ed
+unsigned long DSMRepairWMI(unsigned char which);

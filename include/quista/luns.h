@@ -47,8 +47,7 @@ unsigned long KORVADSMGetAllDiskInfoEx(std::list<IWbemClassObject*>& luns, long&
 /// @return 0; DSM_SERIAL_NOT_FOUND; DSM_NO_MEMORY
 unsigned long KORVA_GetInstance_for_Serial(wchar_t* serial, wchar_t* instanceName,
                                            _MPIO_GET_DESCRIPTOR** descriptor,
-                                           _DSM_LOAD_BALANCE_TYPE* policy,
-                                           _DSM_DISKINFO* diskInfo);
+                                           _DSM_LOAD_BALANCE_TYPE* policy, _DSM_DISKINFO* diskInfo);
 
 /// Counts the paths of one LUN (property NumberOfPaths).
 /// @param numberOfPaths also holds the count of a LUN that was examined and did not match

@@ -1,0 +1,13 @@
+// Where the error log lies: the directory that the brand's registry key names.
+#pragma once
+
+#include <string>
+
+namespace quista {
+
+/// The registry value LogDir of the key that the company name in the library's own version resource
+/// chooses. Empty when there is no version resource, company name, key or value, or when the value
+/// does not fit into 200 characters.
+std::wstring configuredLogDirectory();
+
+}  // namespace quista
