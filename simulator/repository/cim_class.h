@@ -19,6 +19,7 @@ enum class QualifierFlavor : std::uint8_t {
     toSubclass = 2,
     disableOverride = 4,
     amended = 8,
+    translatable = 16,
 };
 
 constexpr QualifierFlavor operator|(QualifierFlavor left, QualifierFlavor right) {
@@ -28,8 +29,7 @@ constexpr bool hasFlavor(QualifierFlavor flavors, QualifierFlavor one) {
     return (static_cast<unsigned>(flavors) & static_cast<unsigned>(one)) != 0;
 }
 
-/// A qualifier: any name with a value of type boolean, sint32, real64 or string, or an array of
-/// these.
+/// A qualifier: any name with a boolean, signed integer, real or text, or an array of these.
 struct CimQualifier {
     std::wstring name;
     CimValue value;
@@ -46,6 +46,7 @@ class CimQualifiers {
     bool isSet(std::wstring_view name) const;
     /// Adds the qualifier, or replaces the one of that name.
     void put(CimQualifier qualifier);
+    void remove(std::wstring_view name);
     bool empty() const { return items_.empty(); }
     auto begin() const { return items_.begin(); }
     auto end() const { return items_.end(); }

@@ -10,26 +10,11 @@
 
 #include "simulator/repository/cim_class.h"
 #include "simulator/repository/cim_instance.h"
+#include "simulator/repository/cim_namespace.h"
 #include "simulator/repository/object_path.h"
+#include "simulator/repository/repository_status.h"
 
 namespace quista::simulator {
-
-enum class RepositoryStatus {
-    ok,
-    unknownNamespace,
-    unknownClass,
-    unknownSuperclass,
-    unknownInstance,
-    cyclicInheritance,
-    typeConflict,   ///< a property redeclares an inherited one with another type
-    abstractClass,  ///< an abstract class has no instances
-    noKey,          ///< the class has neither a key nor the singleton qualifier
-    nullKey,        ///< a key property is NULL
-    alreadyExists,
-};
-
-/// What a put may do.
-enum class PutMode { createOrUpdate, createOnly, updateOnly };
 
 /// Classes and instances in memory. Namespaces are given in any spelling that `normalizeNamespace`
 /// accepts, names in any case. What it hands out are finished objects that never change, so clients
@@ -84,24 +69,10 @@ class Repository {
     bool operator==(const Repository& other) const;
 
   private:
-    /// An instance with the key it was stored under, which outlives the key property.
-    struct StoredInstance {
-        std::wstring key;
-        CimInstancePtr instance;
-    };
-    struct Namespace {
-        std::wstring name;
-        std::vector<CimClassPtr> classes;                   ///< superclasses first
-        std::map<std::wstring, std::size_t> classIndex;     ///< by folded name, into `classes`
-        std::map<std::size_t, StoredInstance> instances;    ///< by number of creation
-        std::map<std::wstring, std::size_t> instanceIndex;  ///< by stored key
-        std::size_t nextNumber = 0;
-    };
+    CimNamespace* find(std::wstring_view nameSpace);
+    const CimNamespace* find(std::wstring_view nameSpace) const;
 
-    Namespace* findNamespace(std::wstring_view nameSpace);
-    const Namespace* findNamespace(std::wstring_view nameSpace) const;
-
-    std::map<std::wstring, Namespace> namespaces_;  ///< by folded name
+    std::map<std::wstring, CimNamespace> namespaces_;  ///< by folded name
 };
 
 }  // namespace quista::simulator

@@ -1,0 +1,82 @@
+// Qualifier lists of MOF.
+#include <utility>
+
+#include "simulator/mof/mof_parser.h"
+#include "simulator/repository/text_case.h"
+
+namespace quista::simulator {
+namespace {
+
+struct NamedFlavor {
+    std::wstring_view name;
+    QualifierFlavor flavor;
+};
+
+constexpr NamedFlavor kFlavors[] = {
+    {L"ToInstance", QualifierFlavor::toInstance},
+    {L"ToSubclass", QualifierFlavor::toSubclass},
+    {L"DisableOverride", QualifierFlavor::disableOverride},
+    {L"Amended", QualifierFlavor::amended},
+    {L"Translatable", QualifierFlavor::translatable},
+    // These say what holds without them.
+    {L"NotToInstance", QualifierFlavor::none},
+    {L"NotToSubclass", QualifierFlavor::none},
+    {L"EnableOverride", QualifierFlavor::none},
+    {L"Overridable", QualifierFlavor::none},
+    {L"Restricted", QualifierFlavor::none},
+};
+
+std::optional<QualifierFlavor> flavorNamed(std::wstring_view name) {
+    for (const NamedFlavor& known : kFlavors)
+        if (equalNoCase(known.name, name)) return known.flavor;
+    return std::nullopt;
+}
+
+bool isEmbedding(const CimQualifier& qualifier) {
+    return equalNoCase(qualifier.name, L"EmbeddedInstance") ||
+           equalNoCase(qualifier.name, L"EmbeddedObject");
+}
+
+}  // namespace
+
+MofParser::Qualifiers MofParser::parseQualifiers() {
+    Qualifiers qualifiers;
+    if (!tokens_.acceptMark(L'[')) return qualifiers;
+    do {
+        const MofPosition position = tokens_.peek().position;
+        CimQualifier qualifier = parseQualifier();
+        if (qualifiers.items.find(qualifier.name))
+            tokens_.fail(position, L"qualifier " + qualifier.name + L" is given twice");
+        if (isEmbedding(qualifier)) qualifiers.embeddedAt = position;
+        qualifiers.items.put(std::move(qualifier));
+    } while (tokens_.acceptMark(L','));
+    tokens_.expectMark(L']');
+    return qualifiers;
+}
+
+CimQualifier MofParser::parseQualifier() {
+    CimQualifier qualifier;
+    qualifier.name = tokens_.expectName(L"the name of a qualifier").text;
+    qualifier.value = CimValue::ofBoolean(true);
+    if (tokens_.atMark(L'{')) {
+        qualifier.value = convertQualifierLiteral(parseList(), tokens_.file());
+    } else if (tokens_.acceptMark(L'(')) {
+        qualifier.value = convertQualifierLiteral(parseLiteral(), tokens_.file());
+        tokens_.expectMark(L')');
+    }
+    if (tokens_.acceptMark(L':')) qualifier.flavors = parseFlavors();
+    return qualifier;
+}
+
+QualifierFlavor MofParser::parseFlavors() {
+    QualifierFlavor flavors = QualifierFlavor::none;
+    do {
+        const MofToken name = tokens_.expectName(L"a flavor");
+        const std::optional<QualifierFlavor> flavor = flavorNamed(name.text);
+        if (!flavor) tokens_.fail(name.position, L"unknown flavor " + name.text);
+        flavors = flavors | *flavor;
+    } while (tokens_.peek().kind == MofTokenKind::name);
+    return flavors;
+}
+
+}  // namespace quista::simulator
