@@ -4,9 +4,8 @@
 
 #include <windows.h>
 
-#include <oaidl.h>
-
 #include <cstdint>
+#include <oaidl.h>
 #include <string>
 #include <vector>
 
@@ -31,8 +30,9 @@ struct Fault {
     std::wstring property;    ///< property of Get and Put, WMI method of GetMethod and ExecMethod
     unsigned occurrence = 1;  ///< the first matching call that fails, counted from 1
     unsigned count = 1;       ///< how many calls fail from there on; 0 means all
-    /// What the call returns. A faulted call does nothing else and consumes nothing: its outputs are
-    /// null, also when the result is S_OK (a query without an enumerator, a method without outputs).
+    /// What the call returns. A faulted call does nothing else and consumes nothing: its outputs
+    /// are null, also when the result is S_OK (a query without an enumerator, a method without
+    /// outputs).
     HRESULT result = E_FAIL;
 };
 
@@ -49,8 +49,9 @@ struct CallRecord {
     std::wstring interfaceName;
     std::wstring method;
     std::wstring className;  ///< as in Fault
-    std::wstring detail;     ///< property, WMI method, query text, object path or namespace
+    std::wstring detail;     ///< property, WMI method, query text, object path or file
     HRESULT result = S_OK;
+    std::wstring path;  ///< object path of GetObject, PutInstance, DeleteInstance and ExecMethod
 };
 
 /// Objects that are alive, by kind.
@@ -101,6 +102,15 @@ class Simulator {
     virtual void addOverride(const ValueOverride& where, const VARIANT& value) = 0;
     /// Forgets faults and overrides.
     virtual void clearFaults() = 0;
+    /// Puts `value` in the place of an out-parameter that the driver would fill (0 by default), in
+    /// the class and its subclasses. A value that the parameter's type cannot take fails the call.
+    virtual void setMethodResult(const std::wstring& className, const std::wstring& method,
+                                 const std::wstring& outParameter, const VARIANT& value) = 0;
+    /// Lets the method succeed without an out object.
+    virtual void setMethodWithoutOutput(const std::wstring& className,
+                                        const std::wstring& method) = 0;
+    /// Forgets both.
+    virtual void clearMethodResults() = 0;
     /// Lets the failure to create the WMI locator or the MOF compiler surface in CoCreateInstance.
     virtual void setLocatorFailure(HRESULT result) = 0;
     virtual void setCompilerFailure(HRESULT result) = 0;
@@ -113,9 +123,10 @@ class Simulator {
 
     virtual std::vector<CallRecord> trace() const = 0;
     virtual void clearTrace() = 0;
+    /// Switches the trace off and on; load tests do without it.
+    virtual void setTracing(bool enabled) = 0;
     virtual LiveObjects liveObjects() const = 0;
 };
-
 
 /// Makes a simulator with an empty repository (namespaces root\wmi and root\cimv2 exist).
 using CreateSimulatorFunction = Simulator* (*)();
