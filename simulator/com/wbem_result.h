@@ -34,6 +34,7 @@ constexpr HRESULT wbem(RepositoryStatus status) {
         case RepositoryStatus::noKey:
             return wbem(WBEM_E_INVALID_OBJECT);
         case RepositoryStatus::cyclicInheritance:
+        case RepositoryStatus::tooManyAncestors:
         case RepositoryStatus::typeConflict:
             break;
     }
