@@ -65,7 +65,8 @@ HRESULT readPortal(IWbemClassObject* portal, _KORVADSM_ISCSI_PORTAL& record) {
     ComRef<IWbemClassObject> address;
     wchar_t* text = nullptr;
 
-    HRESULT result = getProperty(portal, L"Port", port) | getProperty(portal, L"IPAddr", ipAddress);
+    HRESULT result = getProperty(portal, L"Port", port);
+    result |= getProperty(portal, L"IPAddr", ipAddress);
     if (result == S_OK) result = toEmbeddedObject(ipAddress.get(), address);
     if (result == S_OK) result = getProperty(address.get(), L"Type", type);
     if (result == S_OK) result = GetAddressText(address.get(), type.rawLong(), &text);
