@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 #include "frame/console.h"
 #include "frame/guard.h"
@@ -32,19 +33,18 @@ std::wstring currentDirectory() {
 /// Opens the log for appending in text mode, in the configured directory or the current one.
 LogFile openLog() {
     const std::wstring fallback = currentDirectory();
-    const std::wstring configured = configuredLogDirectory();
+    const std::optional<std::wstring> configured = configuredLogDirectory();
     // One level only, and an existing directory is fine: the result does not matter.
-    static_cast<void>(_wmkdir(configured.c_str()));
-    const std::wstring& directory = configured.empty() ? fallback : configured;
-    return LogFile(_wfopen((directory + kLogFileName).c_str(), L"at"));
+    if (configured) static_cast<void>(_wmkdir(configured->c_str()));
+    return LogFile(_wfopen((configured.value_or(fallback) + kLogFileName).c_str(), L"at"));
 }
 
 std::wstring systemMessage(DWORD code) {
     wchar_t* text = nullptr;
-    const DWORD length = FormatMessageW(
-        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-        nullptr, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<wchar_t*>(&text),
-        0, nullptr);
+    // Kept: inserts are not ignored, so a text that needs some counts as missing.
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM,
+                                        nullptr, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
+                                        reinterpret_cast<wchar_t*>(&text), 0, nullptr);
     if (length == 0 || text == nullptr) return {};
     const std::wstring message(text, length);
     LocalFree(text);

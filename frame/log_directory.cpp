@@ -58,27 +58,28 @@ const wchar_t* registryKeyFor(const std::wstring& company) {
     return nullptr;
 }
 
-std::wstring readLogDirectory(HKEY key) {
+std::optional<std::wstring> readLogDirectory(HKEY key) {
     // One character more than the registry may fill, so that a value stored without a terminator
     // still ends.
     std::array<wchar_t, kLogDirectoryCharacters + 1> text{};
     DWORD size = kLogDirectoryCharacters * sizeof(wchar_t);
     const LSTATUS result = RegQueryValueExW(key, L"LogDir", nullptr, nullptr,
                                             reinterpret_cast<BYTE*>(text.data()), &size);
-    return result == ERROR_SUCCESS ? std::wstring(text.data()) : std::wstring();
+    if (result != ERROR_SUCCESS) return std::nullopt;
+    return std::wstring(text.data());
 }
 
 }  // namespace
 
-std::wstring configuredLogDirectory() {
+std::optional<std::wstring> configuredLogDirectory() {
     const std::vector<BYTE> version = versionResource();
-    if (version.empty()) return {};
+    if (version.empty()) return std::nullopt;
 
     const wchar_t* path = registryKeyFor(companyName(version));
     HKEY key = nullptr;
     if (path == nullptr ||
         RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) {
-        return {};
+        return std::nullopt;
     }
     // Kept: the key stays open.
     return readLogDirectory(key);
