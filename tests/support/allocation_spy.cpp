@@ -1,7 +1,8 @@
 #include "tests/support/allocation_spy.h"
 
-#include <objbase.h>
 #include <windows.h>
+
+#include <objbase.h>
 
 #include <algorithm>
 #include <cstring>

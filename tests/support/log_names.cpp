@@ -1,7 +1,8 @@
 #include "tests/support/log_names.h"
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include "quista/status.h"
 #include "tests/support/text.h"

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <oaidl.h>
+
 #include <string>
 
 #include "simulator/simulator.h"

@@ -1,8 +1,10 @@
 // The traps and readers must notice what they are for; a trap that never snaps proves nothing.
-#include <objbase.h>
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest-spi.h>
@@ -16,6 +18,7 @@
 #include "tests/support/log_file.h"
 #include "tests/support/log_names.h"
 #include "tests/support/mof_object.h"
+#include "tests/support/process_census.h"
 #include "tests/support/program_run.h"
 #include "tests/support/text.h"
 #include "tests/support/windows_version.h"
@@ -196,6 +199,28 @@ TEST(LocalMachineTest, MachineIsBackAtTheEnd) {
     EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft", 0, KEY_READ, &key),
               ERROR_SUCCESS);
     RegCloseKey(key);
+}
+
+// ---- process_census.h
+
+TEST(ProcessCensusTest, OpenKeysAreHandles) {
+    const std::size_t before = countHandles();
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE", 0, KEY_READ, &key), ERROR_SUCCESS);
+    EXPECT_EQ(countHandles(), before + 1);
+    RegCloseKey(key);
+    EXPECT_EQ(countHandles(), before);
+}
+
+TEST(ProcessCensusTest, LiveTextsAreCounted) {
+    const std::wstring text = L"a text that nothing else in the process holds";
+    const std::size_t blocks = countHeapBlocks();
+    wchar_t* copy = _wcsdup(text.c_str());
+    EXPECT_EQ(countHeapTexts(text), 1u);
+    EXPECT_EQ(countHeapBlocks(), blocks + 1);
+    std::free(copy);
+    EXPECT_EQ(countHeapTexts(text), 0u);
+    EXPECT_EQ(countHeapBlocks(), blocks);
 }
 
 // ---- windows_version.h
