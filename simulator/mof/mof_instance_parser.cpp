@@ -9,6 +9,9 @@ namespace {
 
 /// Instances within instances: real hosts need four levels.
 constexpr unsigned kMaxNesting = 32;
+/// What one instance may hold in all. Aliases can be nested so that a short text means more objects
+/// than any memory holds.
+constexpr std::size_t kMaxObjects = 1000000;
 
 std::wstring nullKeys(const CimInstance& instance) {
     std::wstring names;
@@ -54,28 +57,39 @@ MofParser::ParsedInstance MofParser::parseInstance() {
     if (definition->isAbstract())
         tokens_.fail(name.position, L"class " + name.text + L" is abstract");
 
-    std::optional<MofToken> alias;
-    if (tokens_.acceptKeyword(L"as")) {
-        if (tokens_.peek().kind != MofTokenKind::alias) tokens_.failExpecting(L"an alias");
-        alias = tokens_.take();
-    }
+    const std::optional<MofToken> alias = parseAlias();
     CimInstance instance(definition);
     ++nesting_;
-    parseAssignments(instance);
+    MofExtent extent = parseAssignments(instance);
     --nesting_;
-    auto finished = std::make_shared<const CimInstance>(std::move(instance));
-    if (alias && !load_.aliases.try_emplace(foldCase(alias->text), finished).second)
+    extent.add({0, 1});
+    ++extent.depth;
+    if (extent.depth > kMaxNesting) tokens_.fail(name.position, L"instances are nested too deeply");
+    if (extent.objects > kMaxObjects)
+        tokens_.fail(name.position, L"the instance holds too many others");
+
+    const MofObject object{std::make_shared<const CimInstance>(std::move(instance)), extent};
+    if (alias && !load_.aliases.try_emplace(foldCase(alias->text), object).second)
         tokens_.fail(alias->position, L"alias $" + alias->text + L" is defined twice");
-    return {finished, alias.has_value()};
+    return {object, alias.has_value()};
 }
 
-void MofParser::parseAssignments(CimInstance& instance) {
+std::optional<MofToken> MofParser::parseAlias() {
+    if (!tokens_.acceptKeyword(L"as")) return std::nullopt;
+    if (tokens_.peek().kind != MofTokenKind::alias) tokens_.failExpecting(L"an alias");
+    return tokens_.take();
+}
+
+/// The braces of an instance; gives what its values hold.
+MofExtent MofParser::parseAssignments(CimInstance& instance) {
     tokens_.expectMark(L'{');
+    MofExtent extent;
     std::set<std::wstring> assigned;
-    while (!tokens_.acceptMark(L'}')) parseAssignment(instance, assigned);
+    while (!tokens_.acceptMark(L'}')) extent.add(parseAssignment(instance, assigned));
+    return extent;
 }
 
-void MofParser::parseAssignment(CimInstance& instance, std::set<std::wstring>& assigned) {
+MofExtent MofParser::parseAssignment(CimInstance& instance, std::set<std::wstring>& assigned) {
     if (tokens_.atMark(L'['))
         tokens_.fail(tokens_.peek().position, L"qualifiers in instances are not supported");
     const MofToken name = tokens_.expectName(L"the name of a property");
@@ -89,11 +103,12 @@ void MofParser::parseAssignment(CimInstance& instance, std::set<std::wstring>& a
     const MofLiteral literal = parseLiteral();
     instance.set(property->name, convertLiteral(literal, property->type, tokens_.file()));
     tokens_.expectMark(L';');
+    return literal.extent;
 }
 
 /// An instance without a key is of use only under its alias, as part of others.
 void MofParser::storeInstance(const ParsedInstance& parsed, MofPosition position) {
-    const CimInstance& instance = *parsed.instance;
+    const CimInstance& instance = *parsed.object.instance;
     const std::wstring path = relativePath(instance);
     if (!path.empty() && !load_.storedPaths.insert(foldCase(load_.nameSpace + L":" + path)).second)
         tokens_.fail(position, L"duplicate key: " + path);
@@ -115,6 +130,7 @@ MofLiteral MofParser::parseList() {
     if (tokens_.acceptMark(L'}')) return list;
     do {
         list.elements.push_back(parseScalar());
+        list.extent.add(list.elements.back().extent);
     } while (tokens_.acceptMark(L','));
     tokens_.expectMark(L'}');
     return list;
@@ -162,14 +178,17 @@ MofLiteral MofParser::parseNamedLiteral() {
     }
     literal.kind = MofLiteral::Kind::object;
     if (tokens_.atKeyword(L"instance")) {
-        literal.object = parseInstance().instance;
+        const MofObject object = parseInstance().object;
+        literal.object = object.instance;
+        literal.extent = object.extent;
         return literal;
     }
     if (tokens_.peek().kind != MofTokenKind::alias) tokens_.failExpecting(L"a value");
     const MofToken alias = tokens_.take();
     const auto known = load_.aliases.find(foldCase(alias.text));
     if (known == load_.aliases.end()) tokens_.fail(alias.position, L"unknown alias $" + alias.text);
-    literal.object = known->second;
+    literal.object = known->second.instance;
+    literal.extent = known->second.extent;
     literal.isAlias = true;
     return literal;
 }

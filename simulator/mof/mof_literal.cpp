@@ -163,6 +163,23 @@ class ScalarConverter {
     const std::wstring& file_;
 };
 
+/// Qualifiers declare no type: theirs is that of the literal.
+CimType qualifierType(const MofLiteral& literal, const std::wstring& file) {
+    switch (literal.kind) {
+        case Kind::boolean:
+            return CimType::boolean;
+        case Kind::integer:
+            return CimType::sint64;
+        case Kind::real:
+            return CimType::real64;
+        case Kind::character:
+        case Kind::object:
+            failAt(file, literal.position, L"a qualifier cannot hold " + describeKind(literal));
+        default:
+            return CimType::string;
+    }
+}
+
 }  // namespace
 
 std::wstring describeType(const CimDeclaredType& type) {
@@ -189,29 +206,14 @@ CimValue convertLiteral(const MofLiteral& literal, const CimDeclaredType& type,
 }
 
 CimValue convertQualifierLiteral(const MofLiteral& literal, const std::wstring& file) {
-    const MofLiteral& sample = literal.kind == Kind::list && !literal.elements.empty()
-                                   ? literal.elements.front()
-                                   : literal;
-    CimDeclaredType type;
-    type.isArray = literal.kind == Kind::list;
-    switch (sample.kind) {
-        case Kind::boolean:
-            type.base = CimType::boolean;
-            break;
-        case Kind::integer:
-            type.base = CimType::sint64;
-            break;
-        case Kind::real:
-            type.base = CimType::real64;
-            break;
-        case Kind::character:
-        case Kind::object:
-            failAt(file, sample.position, L"a qualifier cannot hold " + describeKind(sample));
-        default:
-            type.base = CimType::string;
-            break;
-    }
-    return convertLiteral(literal, type, file);
+    if (literal.kind != Kind::list)
+        return convertLiteral(literal, {qualifierType(literal, file), false, {}}, file);
+    const std::vector<MofLiteral>& elements = literal.elements;
+    for (const MofLiteral& element : elements)
+        if (element.kind != elements.front().kind)
+            failAt(file, element.position, L"the elements of a qualifier must be of one type");
+    const CimType base = elements.empty() ? CimType::string : qualifierType(elements.front(), file);
+    return convertLiteral(literal, {base, true, {}}, file);
 }
 
 }  // namespace quista::simulator

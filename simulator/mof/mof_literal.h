@@ -1,6 +1,8 @@
 // Values as MOF writes them, before it is known what type they are for.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -10,6 +12,17 @@
 #include "simulator/repository/cim_value.h"
 
 namespace quista::simulator {
+
+/// How much an embedded object, or a list of them, holds.
+struct MofExtent {
+    unsigned depth = 0;       ///< levels of objects within objects
+    std::size_t objects = 0;  ///< objects in all
+
+    void add(const MofExtent& other) {
+        depth = std::max(depth, other.depth);
+        objects += other.objects;
+    }
+};
 
 struct MofLiteral {
     enum class Kind { null, boolean, integer, real, text, character, object, list };
@@ -22,6 +35,7 @@ struct MofLiteral {
     double real = 0;
     std::wstring text;
     CimInstancePtr object;
+    MofExtent extent;
     bool isAlias = false;  ///< the object was named by its alias, so it may stand for a reference
     std::vector<MofLiteral> elements;
 };

@@ -15,14 +15,20 @@
 
 namespace quista::simulator {
 
+/// A finished instance of a text.
+struct MofObject {
+    CimInstancePtr instance;
+    MofExtent extent;  ///< itself included
+};
+
 /// What a text shares with the texts it includes.
 struct MofLoad {
     Repository& repository;
     MofSource& source;
     std::wstring nameSpace;
-    std::map<std::wstring, CimInstancePtr> aliases;  ///< by folded name
-    std::set<std::wstring> storedPaths;              ///< of this load's instances, folded
-    std::vector<std::wstring> openFiles;             ///< folded paths, outermost first
+    std::map<std::wstring, MofObject> aliases;  ///< by folded name
+    std::set<std::wstring> storedPaths;         ///< of this load's instances, folded
+    std::vector<std::wstring> openFiles;        ///< folded paths, outermost first
     bool hasAutoRecover = false;
 };
 
@@ -50,7 +56,7 @@ class MofParser {
     };
 
     struct ParsedInstance {
-        CimInstancePtr instance;
+        MofObject object;
         bool hasAlias = false;
     };
 
@@ -84,8 +90,9 @@ class MofParser {
     // mof_instance_parser.cpp
     void parseInstanceStatement();
     ParsedInstance parseInstance();
-    void parseAssignments(CimInstance& instance);
-    void parseAssignment(CimInstance& instance, std::set<std::wstring>& assigned);
+    std::optional<MofToken> parseAlias();
+    MofExtent parseAssignments(CimInstance& instance);
+    MofExtent parseAssignment(CimInstance& instance, std::set<std::wstring>& assigned);
     void storeInstance(const ParsedInstance& parsed, MofPosition position);
     MofLiteral parseLiteral();
     MofLiteral parseScalar();
