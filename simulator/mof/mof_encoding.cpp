@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "simulator/mof/mof_failure.h"
+#include "simulator/repository/text_scan.h"
 
 namespace quista::simulator {
 namespace {
@@ -40,7 +41,7 @@ std::size_t sequenceLength(unsigned first) {
 
 bool isValidCodePoint(char32_t codePoint, std::size_t length) {
     constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    const bool isSurrogate = codePoint >= 0xD800 && codePoint < 0xE000;
+    const bool isSurrogate = isHighSurrogate(codePoint) || isLowSurrogate(codePoint);
     return codePoint >= kSmallest[length] && codePoint < 0x110000 && !isSurrogate;
 }
 

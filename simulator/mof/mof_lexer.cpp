@@ -1,23 +1,11 @@
 #include "simulator/mof/mof_lexer.h"
 
 #include <charconv>
-#include <limits>
+
+#include "simulator/repository/text_scan.h"
 
 namespace quista::simulator {
 namespace {
-
-bool isDigit(wchar_t character) {
-    return character >= L'0' && character <= L'9';
-}
-
-bool isNameStart(wchar_t character) {
-    return (character >= L'a' && character <= L'z') || (character >= L'A' && character <= L'Z') ||
-           character == L'_' || character >= 0x80;
-}
-
-bool isNamePart(wchar_t character) {
-    return isNameStart(character) || isDigit(character);
-}
 
 bool isSpace(wchar_t character) {
     return character == L' ' || character == L'\t' || character == L'\r' || character == L'\n' ||
@@ -258,9 +246,8 @@ void MofLexer::readDigits(MofToken& token, std::wstring_view digits, unsigned ba
     for (const wchar_t character : digits) {
         const unsigned digit = digitValue(character);
         if (digit >= base) fail(token.position, L"malformed number");
-        if (token.magnitude > (std::numeric_limits<std::uint64_t>::max() - digit) / base)
+        if (!appendDigit(token.magnitude, digit, base))
             fail(token.position, L"the number needs more than 64 bits");
-        token.magnitude = token.magnitude * base + digit;
     }
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "simulator/repository/object_path.h"
+#include "simulator/repository/text_scan.h"
 
 namespace quista::simulator {
 namespace {
@@ -35,24 +36,11 @@ std::wstring describeKind(const MofLiteral& literal) {
     return L"a list";
 }
 
-bool isDigit(wchar_t character) {
-    return character >= L'0' && character <= L'9';
-}
-
 /// Reads the decimal text that WMI writes for 64-bit integers.
 std::optional<CimValue> decimalOfType(CimType type, std::wstring_view text) {
-    const bool negative = text.starts_with(L'-');
-    if (negative) text.remove_prefix(1);
-    if (text.empty()) return std::nullopt;
-    std::uint64_t magnitude = 0;
-    for (const wchar_t character : text) {
-        if (!isDigit(character)) return std::nullopt;
-        const auto digit = static_cast<std::uint64_t>(character - L'0');
-        if (magnitude > (std::numeric_limits<std::uint64_t>::max() - digit) / 10)
-            return std::nullopt;
-        magnitude = magnitude * 10 + digit;
-    }
-    return integerOfType(type, negative, magnitude);
+    const std::optional<ScannedInteger> integer = scanDecimal(text);
+    if (!integer) return std::nullopt;
+    return integerOfType(type, integer->negative, integer->magnitude);
 }
 
 /// Form yyyymmddhhmmss.mmmmmmsutc, or with a colon for intervals; asterisks stand for any digit.

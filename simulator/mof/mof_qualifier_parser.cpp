@@ -2,33 +2,21 @@
 #include <utility>
 
 #include "simulator/mof/mof_parser.h"
+#include "simulator/mof/mof_text.h"
 #include "simulator/repository/text_case.h"
 
 namespace quista::simulator {
 namespace {
 
-struct NamedFlavor {
-    std::wstring_view name;
-    QualifierFlavor flavor;
-};
-
-constexpr NamedFlavor kFlavors[] = {
-    {L"ToInstance", QualifierFlavor::toInstance},
-    {L"ToSubclass", QualifierFlavor::toSubclass},
-    {L"DisableOverride", QualifierFlavor::disableOverride},
-    {L"Amended", QualifierFlavor::amended},
-    {L"Translatable", QualifierFlavor::translatable},
-    // These say what holds without them.
-    {L"NotToInstance", QualifierFlavor::none},
-    {L"NotToSubclass", QualifierFlavor::none},
-    {L"EnableOverride", QualifierFlavor::none},
-    {L"Overridable", QualifierFlavor::none},
-    {L"Restricted", QualifierFlavor::none},
-};
+/// Flavors that say what holds without them.
+constexpr std::wstring_view kIdleFlavors[] = {L"NotToInstance", L"NotToSubclass", L"EnableOverride",
+                                              L"Overridable", L"Restricted"};
 
 std::optional<QualifierFlavor> flavorNamed(std::wstring_view name) {
-    for (const NamedFlavor& known : kFlavors)
+    for (const MofFlavor& known : kMofFlavors)
         if (equalNoCase(known.name, name)) return known.flavor;
+    for (const std::wstring_view idle : kIdleFlavors)
+        if (equalNoCase(idle, name)) return QualifierFlavor::none;
     return std::nullopt;
 }
 

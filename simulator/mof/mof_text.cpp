@@ -3,6 +3,8 @@
 #include <array>
 #include <charconv>
 
+#include "simulator/repository/text_scan.h"
+
 namespace quista::simulator {
 namespace {
 

@@ -10,19 +10,6 @@
 namespace quista::simulator {
 namespace {
 
-struct FlavorName {
-    QualifierFlavor flavor;
-    std::wstring_view name;
-};
-
-constexpr FlavorName kFlavorNames[] = {
-    {QualifierFlavor::toInstance, L"ToInstance"},
-    {QualifierFlavor::toSubclass, L"ToSubclass"},
-    {QualifierFlavor::disableOverride, L"DisableOverride"},
-    {QualifierFlavor::amended, L"Amended"},
-    {QualifierFlavor::translatable, L"Translatable"},
-};
-
 void appendInstance(std::wstring& text, const CimInstance& instance);
 
 template <typename Items, typename Append>
@@ -77,7 +64,7 @@ void appendQualifier(std::wstring& text, const CimQualifier& qualifier) {
     appendQualifierValue(text, qualifier.value);
     if (qualifier.flavors == QualifierFlavor::none) return;
     text += L" :";
-    for (const auto& [flavor, name] : kFlavorNames)
+    for (const auto& [name, flavor] : kMofFlavors)
         if (hasFlavor(qualifier.flavors, flavor)) text.append(L" ").append(name);
 }
 

@@ -1,24 +1,15 @@
 #include "simulator/repository/object_path.h"
 
-#include <limits>
 #include <utility>
 
 #include "simulator/repository/text_case.h"
+#include "simulator/repository/text_scan.h"
 
 namespace quista::simulator {
 namespace {
 
 bool isSlash(wchar_t character) {
     return character == L'\\' || character == L'/';
-}
-
-bool isDigit(wchar_t character) {
-    return character >= L'0' && character <= L'9';
-}
-
-bool isNameStart(wchar_t character) {
-    return (character >= L'a' && character <= L'z') || (character >= L'A' && character <= L'Z') ||
-           character == L'_' || character >= 0x80;
 }
 
 bool isThisServer(std::wstring_view server) {
@@ -58,7 +49,7 @@ class PathParser {
     std::wstring takeName() {
         std::size_t length = 0;
         while (length < rest_.size() &&
-               (isNameStart(rest_[length]) || (length > 0 && isDigit(rest_[length]))))
+               (length == 0 ? isNameStart(rest_[length]) : isNamePart(rest_[length])))
             ++length;
         std::wstring name(rest_.substr(0, length));
         rest_.remove_prefix(length);
@@ -112,17 +103,12 @@ class PathParser {
     }
 
     std::optional<CimValue> takeInteger() {
-        const bool negative = take(L'-');
-        if (rest_.empty() || !isDigit(rest_.front())) return std::nullopt;
-        std::uint64_t magnitude = 0;
-        while (!rest_.empty() && isDigit(rest_.front())) {
-            const auto digit = static_cast<std::uint64_t>(rest_.front() - L'0');
-            if (magnitude > (std::numeric_limits<std::uint64_t>::max() - digit) / 10)
-                return std::nullopt;
-            magnitude = magnitude * 10 + digit;
-            rest_.remove_prefix(1);
-        }
-        return integerOfType(negative ? CimType::sint64 : CimType::uint64, negative, magnitude);
+        const std::wstring_view digits = rest_.substr(0, rest_.find(L','));
+        const std::optional<ScannedInteger> integer = scanDecimal(digits);
+        if (!integer) return std::nullopt;
+        rest_.remove_prefix(digits.size());
+        return integerOfType(integer->negative ? CimType::sint64 : CimType::uint64,
+                             integer->negative, integer->magnitude);
     }
 
     std::wstring_view rest_;
@@ -168,8 +154,7 @@ std::optional<std::wstring> normalizeNamespace(std::wstring_view text) {
     std::wstring normalized;
     bool afterSlash = true;
     for (const wchar_t character : text) {
-        if (isSlash(character) ? afterSlash : (!isNameStart(character) && !isDigit(character)))
-            return std::nullopt;
+        if (isSlash(character) ? afterSlash : !isNamePart(character)) return std::nullopt;
         afterSlash = isSlash(character);
         normalized += afterSlash ? L'\\' : character;
     }

@@ -1,16 +1,30 @@
 #include "simulator/repository/text_case.h"
 
 #include <algorithm>
-#include <cwctype>
 
 namespace quista::simulator {
 namespace {
 
+/// A run of capital letters whose small letters follow at a fixed distance.
+struct CapitalRun {
+    wchar_t first;
+    wchar_t last;
+    wchar_t distance;
+};
+
+/// Latin, Greek and Cyrillic. A table of our own, since the C library's answers change with the
+/// locale of the process and keys are stored in folded form.
+constexpr CapitalRun kCapitals[] = {
+    {L'A', L'Z', 32},           {L'\u00C0', L'\u00D6', 32}, {L'\u00D8', L'\u00DE', 32},
+    {L'\u0391', L'\u03A1', 32}, {L'\u03A3', L'\u03AB', 32}, {L'\u0400', L'\u040F', 80},
+    {L'\u0410', L'\u042F', 32},
+};
+
 wchar_t fold(wchar_t character) {
-    if (character >= L'A' && character <= L'Z')
-        return static_cast<wchar_t>(character - L'A' + L'a');
-    if (character < 0x80) return character;
-    return static_cast<wchar_t>(std::towlower(character));
+    for (const auto [first, last, distance] : kCapitals)
+        if (character >= first && character <= last)
+            return static_cast<wchar_t>(character + distance);
+    return character;
 }
 
 }  // namespace

@@ -5,23 +5,16 @@
 #include <utility>
 
 #include "simulator/repository/text_case.h"
-#include "simulator/wql/wql_lexer.h"
 
 namespace quista::simulator {
 namespace {
-
-/// An integer of either sign with 64 bits of magnitude.
-struct Integer {
-    bool negative = false;
-    std::uint64_t magnitude = 0;
-};
 
 int compareMagnitudes(std::uint64_t left, std::uint64_t right) {
     if (left == right) return 0;
     return left < right ? -1 : 1;
 }
 
-int compareIntegers(Integer left, Integer right) {
+int compareIntegers(ScannedInteger left, ScannedInteger right) {
     const bool leftNegative = left.negative && left.magnitude != 0;
     const bool rightNegative = right.negative && right.magnitude != 0;
     if (leftNegative != rightNegative) return leftNegative ? -1 : 1;
@@ -29,31 +22,28 @@ int compareIntegers(Integer left, Integer right) {
     return leftNegative ? -order : order;
 }
 
-Integer integerOf(std::int64_t number) {
+ScannedInteger integerOf(std::int64_t number) {
     const auto bits = static_cast<std::uint64_t>(number);
     return {number < 0, number < 0 ? std::uint64_t{0} - bits : bits};
 }
 
 /// The literal as a number; texts of digits count, as WMI writes 64-bit integers so.
-std::optional<Integer> integerOf(const WqlLiteral& literal) {
-    if (literal.kind == WqlLiteral::Kind::integer)
-        return Integer{literal.negative, literal.magnitude};
-    Integer integer;
-    if (literal.kind == WqlLiteral::Kind::text &&
-        readDecimal(literal.text, integer.negative, integer.magnitude))
-        return integer;
+std::optional<ScannedInteger> integerOf(const WqlLiteral& literal) {
+    if (literal.kind == WqlLiteral::Kind::integer) return literal.integer;
+    if (literal.kind == WqlLiteral::Kind::text) return scanDecimal(literal.text);
     return std::nullopt;
 }
 
 /// The literal as a boolean; 0 and 1 count.
 std::optional<bool> booleanOf(const WqlLiteral& literal) {
     if (literal.kind == WqlLiteral::Kind::boolean) return literal.truth;
-    if (literal.kind == WqlLiteral::Kind::integer && literal.magnitude <= 1 && !literal.negative)
-        return literal.magnitude == 1;
+    if (literal.kind == WqlLiteral::Kind::integer && !literal.integer.negative &&
+        literal.integer.magnitude <= 1)
+        return literal.integer.magnitude == 1;
     return std::nullopt;
 }
 
-int compareReal(double left, Integer right) {
+int compareReal(double left, ScannedInteger right) {
     const auto magnitude = static_cast<double>(right.magnitude);
     const double number = right.negative ? -magnitude : magnitude;
     if (left == number) return 0;
@@ -89,7 +79,7 @@ std::optional<int> order(const CimValue& value, const WqlLiteral& literal) {
         if (!other) return std::nullopt;
         return static_cast<int>(*truth) - static_cast<int>(*other);
     }
-    const std::optional<Integer> number = integerOf(literal);
+    const std::optional<ScannedInteger> number = integerOf(literal);
     if (!number) return std::nullopt;
     if (const auto* own = value.asSigned()) return compareIntegers(integerOf(*own), *number);
     if (const auto* own = value.asUnsigned()) return compareIntegers({false, *own}, *number);

@@ -1,11 +1,11 @@
 // The WHERE clause of a WQL statement and what it says of an instance.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "simulator/repository/cim_instance.h"
+#include "simulator/repository/text_scan.h"
 
 namespace quista::simulator {
 
@@ -15,8 +15,7 @@ struct WqlLiteral {
 
     Kind kind = Kind::text;
     std::wstring text;
-    bool negative = false;
-    std::uint64_t magnitude = 0;
+    ScannedInteger integer;
     bool truth = false;
 };
 

@@ -1,6 +1,6 @@
 #include "simulator/wql/wql_lexer.h"
 
-#include <limits>
+#include <optional>
 
 namespace quista::simulator {
 namespace {
@@ -11,15 +11,6 @@ constexpr std::wstring_view kDigits = L"0123456789";
 constexpr std::wstring_view kMarks[] = {L"<>", L"!=", L"<=", L">=", L"=", L"<",
                                         L">",  L"*",  L",",  L"(",  L")"};
 
-bool isDigit(wchar_t character) {
-    return character >= L'0' && character <= L'9';
-}
-
-bool isNameStart(wchar_t character) {
-    return (character >= L'a' && character <= L'z') || (character >= L'A' && character <= L'Z') ||
-           character == L'_' || character >= 0x80;
-}
-
 WqlToken tokenOf(WqlTokenKind kind, std::wstring_view text = {}) {
     WqlToken token;
     token.kind = kind;
@@ -28,20 +19,6 @@ WqlToken tokenOf(WqlTokenKind kind, std::wstring_view text = {}) {
 }
 
 }  // namespace
-
-bool readDecimal(std::wstring_view text, bool& negative, std::uint64_t& magnitude) {
-    negative = text.starts_with(L'-');
-    if (negative || text.starts_with(L'+')) text.remove_prefix(1);
-    if (text.empty()) return false;
-    magnitude = 0;
-    for (const wchar_t character : text) {
-        if (!isDigit(character)) return false;
-        const auto digit = static_cast<std::uint64_t>(character - L'0');
-        if (magnitude > (std::numeric_limits<std::uint64_t>::max() - digit) / 10) return false;
-        magnitude = magnitude * 10 + digit;
-    }
-    return true;
-}
 
 WqlToken WqlLexer::next() {
     const std::size_t start = rest_.find_first_not_of(kSpaces);
@@ -56,8 +33,7 @@ WqlToken WqlLexer::next() {
 
 WqlToken WqlLexer::readName() {
     std::size_t length = 1;
-    while (length < rest_.size() && (isNameStart(rest_[length]) || isDigit(rest_[length])))
-        ++length;
+    while (length < rest_.size() && isNamePart(rest_[length])) ++length;
     const WqlToken token = tokenOf(WqlTokenKind::name, rest_.substr(0, length));
     rest_.remove_prefix(length);
     return token;
@@ -82,8 +58,9 @@ WqlToken WqlLexer::readInteger() {
     const std::size_t end = rest_.find_first_not_of(kDigits, 1);
     const std::wstring_view digits = rest_.substr(0, end);
     WqlToken token = tokenOf(WqlTokenKind::integer);
-    if (!readDecimal(digits, token.negative, token.magnitude))
-        return tokenOf(WqlTokenKind::invalid);
+    const std::optional<ScannedInteger> integer = scanDecimal(digits);
+    if (!integer) return tokenOf(WqlTokenKind::invalid);
+    token.integer = *integer;
     rest_.remove_prefix(digits.size());
     // 12abc is neither a number nor a name.
     if (!rest_.empty() && isNameStart(rest_.front())) return tokenOf(WqlTokenKind::invalid);

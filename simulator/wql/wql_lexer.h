@@ -1,16 +1,17 @@
 // Splits WQL text into tokens.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
+
+#include "simulator/repository/text_scan.h"
 
 namespace quista::simulator {
 
 enum class WqlTokenKind {
     name,     ///< identifier or keyword
     string,   ///< unescaped in `text`
-    integer,  ///< `negative` and `magnitude`
+    integer,  ///< in `integer`
     mark,     ///< * , ( ) or a comparison in `text`
     invalid,  ///< no token of the language
     end,
@@ -19,8 +20,7 @@ enum class WqlTokenKind {
 struct WqlToken {
     WqlTokenKind kind = WqlTokenKind::end;
     std::wstring text;
-    bool negative = false;
-    std::uint64_t magnitude = 0;
+    ScannedInteger integer;
 };
 
 class WqlLexer {
@@ -38,8 +38,5 @@ class WqlLexer {
 
     std::wstring_view rest_;
 };
-
-/// Reads a decimal integer with an optional sign that fills the whole text.
-bool readDecimal(std::wstring_view text, bool& negative, std::uint64_t& magnitude);
 
 }  // namespace quista::simulator

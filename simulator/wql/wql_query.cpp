@@ -167,9 +167,7 @@ class WqlParser {
             literal.text = take().text;
         } else if (current_.kind == WqlTokenKind::integer) {
             literal.kind = WqlLiteral::Kind::integer;
-            const WqlToken token = take();
-            literal.negative = token.negative;
-            literal.magnitude = token.magnitude;
+            literal.integer = take().integer;
         } else if (atKeyword(L"true") || atKeyword(L"false")) {
             literal.kind = WqlLiteral::Kind::boolean;
             literal.truth = atKeyword(L"true");
