@@ -4,7 +4,8 @@
 #include <string_view>
 
 #include "simulator/generator/host_instances.h"
-#include "simulator/generator/mof_text.h"
+#include "simulator/generator/instance_text.h"
+#include "simulator/mof/mof_text.h"
 
 namespace quista::simulator {
 namespace {
@@ -39,8 +40,8 @@ std::wstring vendorPath(const PathPlan& path) {
     const std::array<std::uint8_t, 8> noName{};
     const unsigned groupState = path.isProxy ? kGroupActiveNonOptimized : kGroupActiveOptimized;
     const std::wstring interfaceName =
-        quotedText(L"load:" + numberText(path.port) + L"." + numberText(path.target));
-    const std::wstring noText = quotedText(L"");
+        mofString(L"load:" + numberText(path.port) + L"." + numberText(path.target));
+    const std::wstring noText = mofString(L"");
     return instanceOf(
         L"KORVADSM_PATHINFO",
         {{L"DsmId", numberText(path.dsmId)},
@@ -60,7 +61,7 @@ std::wstring vendorPath(const PathPlan& path) {
          {L"TargetIPv4Address", numberText(path.ipv4Address)},
          {L"TargetIPv6Address", bytesText(path.ipv6Address)},
          {L"TargetAdapterName", isFibreChannel ? interfaceName : noText},
-         {L"TargetiSCSINodeName", isFibreChannel ? noText : quotedText(kStorageIqn)},
+         {L"TargetiSCSINodeName", isFibreChannel ? noText : mofString(kStorageIqn)},
          {L"TargetiSCSIAdapterName", isFibreChannel ? noText : interfaceName}});
 }
 
@@ -101,11 +102,11 @@ std::wstring supportedPolicies() {
 
 std::wstring vendorInstance(const LunPlan& lun) {
     return namedInstance(L"KORVADSM_LUNINFO", lun.instanceName,
-                         {{L"FilerName", quotedText(kStorageSystem)},
-                          {L"KORVAVersionString", quotedText(L"KORVA Release 9.4.2")},
+                         {{L"FilerName", mofString(kStorageSystem)},
+                          {L"KORVAVersionString", mofString(L"KORVA Release 9.4.2")},
                           {L"KORVAVersion", L"0x00090402"},
-                          {L"LunPath", quotedText(lun.lunPath)},
-                          {L"SerialNumber", quotedText(lun.serialNumber)},
+                          {L"LunPath", mofString(lun.lunPath)},
+                          {L"SerialNumber", mofString(lun.serialNumber)},
                           {L"LunSize", numberText(lun.size)},
                           {L"LunState", numberText(0)},
                           {L"CFMode", numberText(1)},
@@ -117,11 +118,10 @@ std::wstring vendorInstance(const LunPlan& lun) {
 }
 
 std::wstring mpioInstances(const LunPlan& lun) {
-    return namedInstance(
-               L"MPIO_GET_DESCRIPTOR", lun.instanceName,
-               {{L"NumberPdos", numberText(lun.paths.size())},
-                {L"DeviceName", quotedText(L"\\Device\\MPIODisk" + numberText(lun.index))},
-                {L"PdoInformation", pathArray(lun, pdoInformation)}}) +
+    return namedInstance(L"MPIO_GET_DESCRIPTOR", lun.instanceName,
+                         {{L"NumberPdos", numberText(lun.paths.size())},
+                          {L"DeviceName", mofString(L"\\Device\\MPIODisk" + numberText(lun.index))},
+                          {L"PdoInformation", pathArray(lun, pdoInformation)}}) +
            namedInstance(L"DSM_QueryLBPolicy", lun.instanceName,
                          {{L"LoadBalancePolicy", policyObject(lun.policy, lun.paths.size(),
                                                               pathArray(lun, policyPath))}}) +
@@ -133,14 +133,14 @@ std::wstring mpioInstances(const LunPlan& lun) {
 }
 
 std::wstring windowsInstances(const LunPlan& lun) {
-    const std::wstring device = quotedText(L"\\\\.\\PHYSICALDRIVE" + numberText(lun.index));
+    const std::wstring device = mofString(L"\\\\.\\PHYSICALDRIVE" + numberText(lun.index));
     return instanceOf(L"Win32_DiskDrive", {{L"DeviceID", device},
                                            {L"Index", numberText(lun.index)},
-                                           {L"PNPDeviceID", quotedText(lun.pnpDeviceId)},
+                                           {L"PNPDeviceID", mofString(lun.pnpDeviceId)},
                                            {L"Size", numberText(lun.size)}}) +
            L";\n\n" +
            instanceOf(L"Win32_PhysicalMedia",
-                      {{L"Tag", device}, {L"SerialNumber", quotedText(lun.serialNumber)}}) +
+                      {{L"Tag", device}, {L"SerialNumber", mofString(lun.serialNumber)}}) +
            L";\n\n";
 }
 

@@ -2,7 +2,8 @@
 
 #include <string_view>
 
-#include "simulator/generator/mof_text.h"
+#include "simulator/generator/instance_text.h"
+#include "simulator/mof/mof_text.h"
 
 namespace quista::simulator {
 namespace {
@@ -17,7 +18,7 @@ std::wstring controllers() {
                                 {L"Identifier", bytesText(kStorageIdentifier)},
                                 {L"ControllerState", numberText(1)},
                                 {L"Pad", numberText(0)},
-                                {L"AssociatedDsm", quotedText(kDsmName)}})});
+                                {L"AssociatedDsm", mofString(kDsmName)}})});
 }
 
 std::wstring drives(const std::vector<LunPlan>& luns) {
@@ -26,9 +27,9 @@ std::wstring drives(const std::vector<LunPlan>& luns) {
     for (const LunPlan& lun : luns) {
         elements.push_back(instanceOf(L"MPIO_DRIVE_INFO",
                                       {{L"NumberPaths", numberText(lun.paths.size())},
-                                       {L"Name", quotedText(L"MPIO Disk" + numberText(lun.index))},
-                                       {L"SerialNumber", quotedText(lun.serialNumber)},
-                                       {L"DsmName", quotedText(kDsmName)}}));
+                                       {L"Name", mofString(L"MPIO Disk" + numberText(lun.index))},
+                                       {L"SerialNumber", mofString(lun.serialNumber)},
+                                       {L"DsmName", mofString(kDsmName)}}));
     }
     return arrayOf(elements);
 }

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "simulator/generator/mof_text.h"
+#include "simulator/generator/instance_text.h"
 
 namespace quista::simulator {
 namespace {

@@ -1,4 +1,4 @@
-// The notation of MOF, for text that is put together piece by piece.
+// Instances in MOF's notation, put together piece by piece.
 #pragma once
 
 #include <cstdint>
@@ -27,8 +27,6 @@ std::wstring arrayOf(const std::vector<std::wstring>& elements);
 
 std::wstring numberText(std::uint64_t number);
 std::wstring booleanText(bool truth);
-/// A string literal; backslashes and double quotes are escaped.
-std::wstring quotedText(std::wstring_view text);
 /// An array of bytes on one line.
 std::wstring bytesText(std::span<const std::uint8_t> bytes);
 

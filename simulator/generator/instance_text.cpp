@@ -1,6 +1,8 @@
-#include "simulator/generator/mof_text.h"
+#include "simulator/generator/instance_text.h"
 
 #include <algorithm>
+
+#include "simulator/mof/mof_text.h"
 
 namespace quista::simulator {
 namespace {
@@ -28,7 +30,7 @@ std::wstring instanceOf(std::wstring_view className, const std::vector<MofProper
 
 std::wstring namedInstance(std::wstring_view className, std::wstring_view instanceName,
                            const std::vector<MofProperty>& properties) {
-    std::vector<MofProperty> all = {{L"InstanceName", quotedText(instanceName)},
+    std::vector<MofProperty> all = {{L"InstanceName", mofString(instanceName)},
                                     {L"Active", booleanText(true)}};
     all.insert(all.end(), properties.begin(), properties.end());
     return instanceOf(className, all) + L";\n\n";
@@ -49,15 +51,6 @@ std::wstring numberText(std::uint64_t number) {
 
 std::wstring booleanText(bool truth) {
     return truth ? L"TRUE" : L"FALSE";
-}
-
-std::wstring quotedText(std::wstring_view text) {
-    std::wstring literal = L"\"";
-    for (const wchar_t character : text) {
-        if (character == L'\\' || character == L'"') literal += L'\\';
-        literal += character;
-    }
-    return literal + L"\"";
 }
 
 std::wstring bytesText(std::span<const std::uint8_t> bytes) {
