@@ -23,6 +23,16 @@ DWORD guarded(DWORD onFailure, Body&& body) noexcept {
     }
 }
 
+/// Runs the body of an export that returns a flag; a failure is a no.
+template <typename Body>
+unsigned char guardedFlag(Body&& body) noexcept {
+    try {
+        return std::forward<Body>(body)() ? 1 : 0;
+    } catch (...) {
+        return 0;
+    }
+}
+
 /// Runs the body of an export that returns nothing.
 template <typename Body>
 void guardedVoid(Body&& body) noexcept {

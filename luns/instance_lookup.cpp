@@ -1,13 +1,10 @@
 #include "luns/instance_lookup.h"
 
-#include <objbase.h>
-
-#include <cstdint>
-#include <memory>
 #include <string>
 
 #include "frame/error_log.h"
 #include "frame/guard.h"
+#include "frame/task_memory.h"
 #include "luns/lun_descriptor.h"
 #include "luns/lun_query.h"
 #include "quista/frame.h"
@@ -24,15 +21,11 @@ namespace {
 
 constexpr std::size_t kScratchCharacters = 1024;
 
-struct TaskMemoryDeleter {
-    void operator()(wchar_t* block) const { CoTaskMemFree(block); }
-};
-using ScratchText = std::unique_ptr<wchar_t, TaskMemoryDeleter>;
+using ScratchText = UniqueTaskMemory<wchar_t>;
 
 /// The scratch block that both lookups begin with; without memory for it they log and give up.
 ScratchText allocateScratch(const wchar_t* place) {
-    ScratchText scratch(
-        static_cast<wchar_t*>(CoTaskMemAlloc(kScratchCharacters * sizeof(wchar_t))));
+    ScratchText scratch(allocateTaskMemory<wchar_t>(kScratchCharacters * sizeof(wchar_t)));
     if (scratch == nullptr) ReportError(place, DSM_NO_MEMORY);
     return scratch;
 }

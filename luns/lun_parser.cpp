@@ -1,11 +1,10 @@
 #include "luns/lun_parser.h"
 
-#include <objbase.h>
-
 #include <cstdlib>
 #include <cstring>
 
 #include "frame/console.h"
+#include "frame/task_memory.h"
 #include "quista/status.h"
 #include "wmi/property.h"
 #include "wmi/readers.h"
@@ -28,11 +27,8 @@ void readLimitedText(IWbemClassObject* lun, const wchar_t* property, wchar_t* fi
 
 /// A zeroed block with room for one path more than the count: the record declares one itself.
 _KORVADSM_DISKINFO* allocateBlock(std::uint8_t numberOfPaths) {
-    const std::size_t size =
-        sizeof(_KORVADSM_DISKINFO) + numberOfPaths * sizeof(_KORVADSM_PATHINFO);
-    void* block = CoTaskMemAlloc(size);
-    if (block != nullptr) std::memset(block, 0, size);
-    return static_cast<_KORVADSM_DISKINFO*>(block);
+    return allocateTaskMemory<_KORVADSM_DISKINFO>(sizeof(_KORVADSM_DISKINFO) +
+                                                  numberOfPaths * sizeof(_KORVADSM_PATHINFO));
 }
 
 bool readLunPath(IWbemClassObject* lun, _KORVADSM_DISKINFO& info) {

@@ -1,13 +1,9 @@
 // Blocks for the descriptors that callers free with CoTaskMemFree.
 #pragma once
 
-#include <windows.h>
-
-#include <objbase.h>
-
 #include <cstddef>
-#include <cstring>
 
+#include "frame/task_memory.h"
 #include "quista/records/mpio_records.h"
 
 namespace quista {
@@ -16,9 +12,7 @@ namespace quista {
 inline _MPIO_GET_DESCRIPTOR* allocateDescriptor(unsigned long numberOfPaths) {
     const std::size_t size = sizeof(_MPIO_GET_DESCRIPTOR) +
                              static_cast<std::size_t>(numberOfPaths) * sizeof(_PDO_INFORMATION);
-    auto* descriptor = static_cast<_MPIO_GET_DESCRIPTOR*>(CoTaskMemAlloc(size));
-    if (descriptor != nullptr) std::memset(descriptor, 0, size);
-    return descriptor;
+    return allocateTaskMemory<_MPIO_GET_DESCRIPTOR>(size);
 }
 
 }  // namespace quista

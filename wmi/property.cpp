@@ -4,14 +4,23 @@
 
 namespace quista {
 
-HRESULT getProperty(IWbemClassObject* object, const wchar_t* name, UniqueVariant& value) {
+HRESULT getProperty(IWbemClassObject* object, const wchar_t* name, UniqueVariant& value,
+                    CIMTYPE* type) {
     VARIANT* out = value.receive();
-    return object != nullptr ? object->Get(name, 0, out, nullptr, nullptr) : E_POINTER;
+    return object != nullptr ? object->Get(name, 0, out, type, nullptr) : E_POINTER;
 }
 
 HRESULT getOrLog(IWbemClassObject* object, const wchar_t* name, UniqueVariant& value,
-                 const wchar_t* place) {
-    return logFailure(getProperty(object, name, value), place);
+                 const wchar_t* place, CIMTYPE* type) {
+    return logFailure(getProperty(object, name, value, type), place);
+}
+
+HRESULT putLong(IWbemClassObject* object, const wchar_t* name, unsigned long number) {
+    if (object == nullptr) return E_POINTER;
+    UniqueVariant value;
+    value.get().vt = VT_I4;
+    value.setLong(number);
+    return object->Put(name, 0, &value.get(), 0);
 }
 
 HRESULT toEmbeddedObject(const VARIANT& value, ComRef<IWbemClassObject>& object) {

@@ -13,18 +13,26 @@ constexpr long kClassFlags = kQueryFlags | WBEM_FLAG_SHALLOW;
 
 }  // namespace
 
-HRESULT DsmExecQuery(IEnumWbemClassObject** enumerator, const std::wstring& query) {
-    if (gServices == nullptr) return E_POINTER;
+HRESULT execQuery(IWbemServices* services, IEnumWbemClassObject** enumerator,
+                  const std::wstring& query) {
+    if (services == nullptr) return E_POINTER;
     const UniqueBstr language(L"WQL");
     const UniqueBstr text(query.c_str());
-    return gServices->ExecQuery(language.get(), text.get(), kQueryFlags, nullptr, enumerator);
+    return services->ExecQuery(language.get(), text.get(), kQueryFlags, nullptr, enumerator);
+}
+
+HRESULT DsmExecQuery(IEnumWbemClassObject** enumerator, const std::wstring& query) {
+    return execQuery(gServices, enumerator, query);
+}
+
+HRESULT createInstanceEnum(const wchar_t* className, ComRef<IEnumWbemClassObject>& enumerator) {
+    if (gServices == nullptr) return E_POINTER;
+    const UniqueBstr name(className);
+    return gServices->CreateInstanceEnum(name.get(), kClassFlags, nullptr, enumerator.receive());
 }
 
 HRESULT enumerateClass(const wchar_t* className, ComRef<IEnumWbemClassObject>& enumerator) {
-    if (gServices == nullptr) return E_POINTER;
-    const UniqueBstr name(className);
-    const HRESULT result =
-        gServices->CreateInstanceEnum(name.get(), kClassFlags, nullptr, enumerator.receive());
+    const HRESULT result = createInstanceEnum(className, enumerator);
     return result == S_OK && !enumerator ? E_POINTER : result;
 }
 

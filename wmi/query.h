@@ -11,10 +11,18 @@
 
 namespace quista {
 
+/// Runs a WQL query on a connection, which may be null.
+HRESULT execQuery(IWbemServices* services, IEnumWbemClassObject** enumerator,
+                  const std::wstring& query);
+
 /// Runs a WQL query on root\wmi.
 HRESULT DsmExecQuery(IEnumWbemClassObject** enumerator, const std::wstring& query);
 
-/// Starts the enumeration of a class's instances on root\wmi.
+/// Starts the enumeration of a class's instances on root\wmi. The enumerator may be null after a
+/// success.
+HRESULT createInstanceEnum(const wchar_t* className, ComRef<IEnumWbemClassObject>& enumerator);
+
+/// As createInstanceEnum; a success without an enumerator counts as a failed call (E_POINTER).
 HRESULT enumerateClass(const wchar_t* className, ComRef<IEnumWbemClassObject>& enumerator);
 
 /// Takes the next instance, however long that lasts. The end of the enumeration is WBEM_S_FALSE.

@@ -21,8 +21,8 @@ bool fitsSlot(const VARIANT& value) {
     return SafeArrayGetElemsize(value.parray) <= sizeof(void*);
 }
 
-bool holdsBytes(const VARIANT& value) {
-    return SafeArrayGetElemsize(value.parray) == 1;
+bool isByteArray(const VARIANT& value) {
+    return boundsOf(value).count() > 0 && SafeArrayGetElemsize(value.parray) == 1;
 }
 
 /// Turns the element's reference into one to its WMI interface; null when it has none.
@@ -77,7 +77,7 @@ LONG ElementsToSafeArray(const VARIANT& value, void** slots, LONG capacity) {
 LONG SafeArrayToBytes(const VARIANT& value, unsigned char* bytes, LONG capacity) {
     const ArrayBounds bounds = boundsOf(value);
     const LONG count = bounds.count();
-    if (count == 0 || count > capacity || !holdsBytes(value)) return 0;
+    if (count > capacity || !isByteArray(value)) return 0;
     for (LONG i = 0; i < count; ++i) {
         LONG index = bounds.lower + i;
         if (SafeArrayGetElement(value.parray, &index, &bytes[i]) != S_OK) return i;
@@ -85,10 +85,19 @@ LONG SafeArrayToBytes(const VARIANT& value, unsigned char* bytes, LONG capacity)
     return count;
 }
 
+HRESULT getByteElement(const VARIANT& value, LONG index, unsigned char& byte) {
+    if (!isByteArray(value)) return E_INVALIDARG;
+    return SafeArrayGetElement(value.parray, &index, &byte);
+}
+
+HRESULT putByteElement(const VARIANT& value, LONG index, unsigned char byte) {
+    if (!isByteArray(value)) return E_INVALIDARG;
+    return SafeArrayPutElement(value.parray, &index, &byte);
+}
+
 void copyFirstBytes(const VARIANT& value, unsigned char* bytes, LONG count) {
-    if (boundsOf(value).count() == 0 || !holdsBytes(value)) return;
     for (LONG index = 0; index < count; ++index) {
-        static_cast<void>(SafeArrayGetElement(value.parray, &index, &bytes[index]));
+        static_cast<void>(getByteElement(value, index, bytes[index]));
     }
 }
 

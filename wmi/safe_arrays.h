@@ -33,6 +33,11 @@ LONG ElementsToSafeArray(const VARIANT& value, void** slots, LONG capacity);
 /// @return number of bytes copied
 LONG SafeArrayToBytes(const VARIANT& value, unsigned char* bytes, LONG capacity);
 
+/// Reads and writes one element of a byte array. A value that holds no byte array is refused with
+/// E_INVALIDARG.
+HRESULT getByteElement(const VARIANT& value, LONG index, unsigned char& byte);
+HRESULT putByteElement(const VARIANT& value, LONG index, unsigned char byte);
+
 /// Copies elements 0 to `count` - 1 of a byte array one by one; those it does not have are left.
 void copyFirstBytes(const VARIANT& value, unsigned char* bytes, LONG count);
 
@@ -57,6 +62,12 @@ class ObjectTable {
     IWbemClassObject* at(LONG index) const noexcept;
     void release(LONG index) noexcept;
     void** slots() noexcept { return slots_; }
+    IWbemClassObject* const* objects() const noexcept {
+        return reinterpret_cast<IWbemClassObject* const*>(slots_);
+    }
+
+    /// Leaves the objects unreleased, where callers rely on what the library does not release.
+    void keepObjectsOnPurpose() noexcept { count_ = 0; }
 
     /// Leaves the table and its objects unreleased, where callers rely on what the library does not
     /// release.

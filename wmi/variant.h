@@ -43,7 +43,23 @@ class UniqueVariant {
     std::uint32_t rawLong() const noexcept { return rawValue<std::uint32_t>(); }
     VARIANT_BOOL rawBoolean() const noexcept { return rawValue<VARIANT_BOOL>(); }
 
+    /// Replaces the low 32 bits of the value and keeps its type. A type that holds a pointer gives
+    /// way to a plain integer.
+    void setLong(std::uint32_t bits) noexcept {
+        if (holdsPointer()) {
+            reset();
+            value_.vt = VT_I4;
+        }
+        std::memcpy(&value_.llVal, &bits, sizeof(bits));
+    }
+
   private:
+    bool holdsPointer() const noexcept {
+        const VARTYPE element = value_.vt & VT_TYPEMASK;
+        return (value_.vt & (VT_ARRAY | VT_BYREF)) != 0 || element == VT_BSTR ||
+               element == VT_UNKNOWN || element == VT_DISPATCH;
+    }
+
     template <typename Integer>
     Integer rawValue() const noexcept {
         Integer bits;
