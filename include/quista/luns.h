@@ -1,8 +1,12 @@
-// What the vendor DSM knows: its LUNs and their paths (class KORVADSM_LUNINFO).
+// What the vendor DSM knows: its LUNs and their paths (class KORVADSM_LUNINFO); and the Windows
+// disks that they appear as.
 #pragma once
 
 #include <list>
+#include <map>
+#include <string>
 
+#include "quista/records/disk_records.h"
 #include "quista/records/lun_records.h"
 #include "quista/records/mpio_records.h"
 #include "quista/records/policy_records.h"
@@ -59,3 +63,26 @@ unsigned long DSMGetNoPaths(wchar_t* serial, int* numberOfPaths);
 /// @param isLast receives 1 when no other path of the LUN has state 1 or 2, else 0
 /// @return 0; DSM_PATH_NOT_FOUND; DSM_WMI_FAILURE when a property cannot be read; DSM_ERROR
 unsigned long IsLastAvlblPath(unsigned long long pathId, int* isLast);
+
+/// Maps serial numbers to Windows disk numbers (class Win32_PhysicalMedia: SerialNumber and Tag).
+/// @param media entries are added; the caller frees each value with CoTaskMemFree. A repeated
+/// serial
+///              number replaces the earlier entry, whose block is lost
+/// @param count receives the number of entries added
+/// @return 0; DSM_WMI_FAILURE when the query fails; DSM_WMI_NOT_SUPPORTED
+unsigned long KORVADSMGetAllWin32_PhysicalMedia(std::map<std::wstring, _WMIDISKDRIVEDATA*>* media,
+                                                long& count);
+
+/// Maps Plug and Play device identifiers to Windows disk numbers and sizes (class Win32_DiskDrive:
+/// PNPDeviceID, Index and Size).
+/// @param drives as for KORVADSMGetAllWin32_PhysicalMedia
+/// @param count  receives the number of entries added
+/// @return 0; DSM_WMI_FAILURE when the query fails; DSM_WMI_NOT_SUPPORTED; DSM_LUN_INFO_FAILED
+unsigned long KORVADSMGetAllWin32_DiskDrive(std::map<std::wstring, _WMIDISKDRIVEDATA*>* drives,
+                                            long& count);
+
+/// Gives the SCSI addresses of all paths of a LUN.
+/// @param addresses receives a block that the caller frees with CoTaskMemFree
+/// @return 0; the status of KORVA_GetInstance_for_Serial; DSM_NULL_MPIO_DESCRIPTOR when it left no
+///         descriptor; DSM_NO_MEMORY
+unsigned long get_scsi_addresses(wchar_t* serial, PDO_SCSI_ADDRESS** addresses);
