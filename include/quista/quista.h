@@ -1,6 +1,7 @@
 // The whole interface of quista.dll: status codes, records and exports.
 #pragma once
 
+#include "quista/control.h"
 #include "quista/frame.h"
 #include "quista/luns.h"
 #include "quista/mpio.h"
