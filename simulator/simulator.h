@@ -4,8 +4,9 @@
 
 #include <windows.h>
 
-#include <cstdint>
 #include <oaidl.h>
+
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -22,12 +23,12 @@ struct LoadError {
 /// A fault to plan: which calls fail, and how. Empty texts match every call; all texts are compared
 /// without case.
 struct Fault {
-    std::wstring interfaceName;  ///< such as L"IWbemServices"
-    std::wstring method;         ///< such as L"ExecQuery", L"Next", L"Get"
+    std::wstring interfaceName{};  ///< such as L"IWbemServices"
+    std::wstring method{};         ///< such as L"ExecQuery", L"Next", L"Get"
     /// Class of the object, of the enumeration or query, or of the path; for ConnectServer the
     /// namespace.
-    std::wstring className;
-    std::wstring property;    ///< property of Get and Put, WMI method of GetMethod and ExecMethod
+    std::wstring className{};
+    std::wstring property{};  ///< property of Get and Put, WMI method of GetMethod and ExecMethod
     unsigned occurrence = 1;  ///< the first matching call that fails, counted from 1
     unsigned count = 1;       ///< how many calls fail from there on; 0 means all
     /// What the call returns. A faulted call does nothing else and consumes nothing: its outputs
@@ -38,20 +39,20 @@ struct Fault {
 
 /// A value that Get delivers instead of the stored one, of whatever VARIANT type.
 struct ValueOverride {
-    std::wstring className;
-    std::wstring property;
+    std::wstring className{};
+    std::wstring property{};
     unsigned occurrence = 1;  ///< the first matching Get, counted from 1
     unsigned count = 0;       ///< how many from there on; 0 means all
 };
 
 /// One recorded call.
 struct CallRecord {
-    std::wstring interfaceName;
-    std::wstring method;
-    std::wstring className;  ///< as in Fault
-    std::wstring detail;     ///< property, WMI method, query text, object path or file
+    std::wstring interfaceName{};
+    std::wstring method{};
+    std::wstring className{};  ///< as in Fault
+    std::wstring detail{};     ///< property, WMI method, query text, object path or file
     HRESULT result = S_OK;
-    std::wstring path;  ///< object path of GetObject, PutInstance, DeleteInstance and ExecMethod
+    std::wstring path{};  ///< object path of GetObject, PutInstance, DeleteInstance and ExecMethod
 };
 
 /// Objects that are alive, by kind.
