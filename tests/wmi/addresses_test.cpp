@@ -215,13 +215,13 @@ class PortalAddressTest : public testing::Test {
     LogFile log;
     GuardedBuffer block{kRoom * sizeof(_KORVADSM_ISCSI_PORTAL)};
     _KORVADSM_ISCSI_PORTAL* records = block.as<_KORVADSM_ISCSI_PORTAL>();
-    FakeObject portal;
     FakeObject address;
+    FakeObject portal;
 };
 
 TEST_F(PortalAddressTest, EachFormFillsItsRecord) {
-    FakeObject portals[2];
     FakeObject addresses[2];
+    FakeObject portals[2];
     setPortal(portal, address, 3260, 1);
     address.number(L"IpV4Address", 0x0100A8C0);
     setPortal(portals[0], addresses[0], 3261, 2);

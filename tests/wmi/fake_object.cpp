@@ -4,6 +4,10 @@
 
 namespace quista::test {
 
+FakeObject::~FakeObject() {
+    EXPECT_EQ(references_, 0u) << "a reference is left";
+}
+
 FakeObject& FakeObject::set(const std::wstring& property, Value value, HRESULT result) {
     answers_.insert_or_assign(property, Answer{result, std::move(value)});
     return *this;

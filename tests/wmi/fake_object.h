@@ -23,10 +23,13 @@ inline constexpr HRESULT kFailed = static_cast<HRESULT>(WBEM_E_FAILED);
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 #endif
 
-/// Lives on the test's stack and counts the references that others hold. Get is all it can do.
+/// Lives on the test's stack and counts the references that others hold; one that is left at the
+/// end is a failure of the test, so objects stand before those that hold them. Get is all it can
+/// do.
 class FakeObject final : public IWbemClassObject {
   public:
     FakeObject() = default;
+    ~FakeObject();
     FakeObject(const FakeObject&) = delete;
     FakeObject& operator=(const FakeObject&) = delete;
 

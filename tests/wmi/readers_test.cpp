@@ -42,6 +42,7 @@ class ReaderTest : public testing::Test {
 
     WorkFolder folder;
     LogFile log;
+    FakeObject embedded;
     FakeObject object;
 };
 
@@ -228,7 +229,6 @@ TEST_F(TextReaderTest, EmptyValueIsAnInvalidEntry) {
 }
 
 TEST_F(TextReaderTest, EmbeddedObjectIsAnInvalidEntry) {
-    FakeObject embedded;
     object.set(L"Object", Value::object(&embedded));
     const ULONG held = embedded.references();
     expectText(L"Object", 65, L"Invalid Entry");
