@@ -1,0 +1,197 @@
+#include "cli/inventory.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+#include <wbemcli.h>
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <list>
+#include <map>
+#include <memory>
+
+#include "cli/failure.h"
+#include "cli/format.h"
+#include "cli/text.h"
+#include "quista/frame.h"
+#include "quista/luns.h"
+
+namespace quista::cli {
+namespace {
+
+constexpr const char* kLogHint =
+    "MPIOlog.dat names the step that failed; it lies in the configured LogDir, "
+    "else in %LOCALAPPDATA%\\Quista.";
+constexpr const char* kAccessHint =
+    "Run it as an administrator, and check that the service \"Windows Management Instrumentation\" "
+    "is running.";
+constexpr const char* kInstallHint =
+    "Check that Multipath I/O and the storage vendor's DSM are installed. --simulate standard "
+    "shows "
+    "a simulated host instead.";
+
+constexpr const char* kSerialHint =
+    "The driver does not give it: check the LUN on its storage system. Commands that take a serial "
+    "number cannot name it.";
+
+const char* hintFor(unsigned long status) {
+    switch (status) {
+        case DSM_WMI_CONNECT_FAILED:
+            return kAccessHint;
+        case DSM_WMI_FAILURE:
+        case DSM_WMI_PARSING_ERROR:
+        case DSM_WMI_NOT_SUPPORTED:
+            return kInstallHint;
+        default:
+            return kLogHint;
+    }
+}
+
+// The instances of an enumeration, whose references the caller owns.
+class Instances {
+  public:
+    Instances() = default;
+    ~Instances() {
+        for (IWbemClassObject* instance : list_) instance->Release();
+    }
+    Instances(const Instances&) = delete;
+    Instances& operator=(const Instances&) = delete;
+
+    std::list<IWbemClassObject*>& list() { return list_; }
+
+  private:
+    std::list<IWbemClassObject*> list_;
+};
+
+struct TaskMemory {
+    void operator()(void* block) const { CoTaskMemFree(block); }
+};
+
+Lun readLun(Session& session, IWbemClassObject* instance) {
+    _KORVADSM_DISKINFO* block = nullptr;
+    const unsigned long status =
+        session.call("ParseDiskInfoKORVA", [&] { return ParseDiskInfoKORVA(instance, &block); });
+    const std::unique_ptr<_KORVADSM_DISKINFO, TaskMemory> owner(block);
+    if (block != nullptr) return lunFrom(*block, status);
+    Lun lun;
+    lun.serialText = "-";
+    lun.status = status;
+    return lun;
+}
+
+// A session that is not open makes every call fail; its own status says why.
+[[noreturn]] void failListing(const Session& session, unsigned long callStatus) {
+    const unsigned long status = session.status() != DSM_SUCCESS ? session.status() : callStatus;
+    throw Failure(ExitCode::kFailed, status, "cannot list the LUNs", hintFor(status));
+}
+
+// An empty list has three meanings: no LUNs, no connection or no DSM.
+void checkEmptyList(Session& session) {
+    if (session.status() != DSM_SUCCESS) failListing(session, DSM_SUCCESS);
+    const unsigned long missing =
+        session.call("DSMCheckForKORVADSMClasses", [] { return DSMCheckForKORVADSMClasses(); });
+    if (missing == DSM_SUCCESS) return;
+    throw Failure(ExitCode::kFailed, DSM_WMI_NOT_SUPPORTED,
+                  "cannot list the LUNs: the class KORVADSM_LUNINFO is missing from root\\wmi",
+                  kInstallHint);
+}
+
+// What a person knows the LUN by.
+std::string nameOf(const Lun& lun) {
+    if (lun.serialNumber) return *lun.serialNumber;
+    if (lun.lunPath && lun.storageSystem) {
+        return fmt::format("{} on {}", *lun.lunPath, *lun.storageSystem);
+    }
+    return lun.instanceName ? *lun.instanceName : lun.serialText;
+}
+
+void failPartly(Report& report, std::string text, unsigned long status, const char* hint) {
+    report.add(Severity::kError, std::move(text), status, hint);
+    report.fail(ExitCode::kFailed, status == DSM_SUCCESS ? DSM_WMI_PARSING_ERROR : status);
+}
+
+void reportGapsOf(const Lun& lun, Report& report) {
+    if (lun.status != DSM_SUCCESS) {
+        failPartly(report, fmt::format("cannot read the LUN {} completely", nameOf(lun)),
+                   lun.status, kLogHint);
+    } else if (!lun.hasAllPaths()) {
+        failPartly(
+            report,
+            fmt::format("the driver counts {} of the LUN {} but describes {}",
+                        formatCount(lun.pathsReported, "path"), nameOf(lun), lun.paths.size()),
+            DSM_SUCCESS, kLogHint);
+    }
+    if (!lun.serialNumber) {
+        failPartly(report,
+                   fmt::format("the serial number of the LUN {} cannot be read", nameOf(lun)),
+                   DSM_SUCCESS, kSerialHint);
+    }
+}
+
+void reportDuplicates(const std::vector<Lun>& luns, Report& report) {
+    std::map<std::string, std::size_t> counts;
+    for (const Lun& lun : luns) {
+        if (lun.serialNumber) ++counts[*lun.serialNumber];
+    }
+    for (const auto& [serial, count] : counts) {
+        if (count == 1) continue;
+        report.add(Severity::kWarning,
+                   fmt::format("{} LUNs have the serial number {}", count, serial));
+    }
+}
+
+std::string nearMiss(const std::vector<Lun>& luns, const std::string& serial) {
+    for (const Lun& lun : luns) {
+        if (!equalIgnoringCase(lun.serialText, serial)) continue;
+        return fmt::format("Letters count: there is a LUN {}.", lun.serialText);
+    }
+    return "quistactl luns lists the serial numbers.";
+}
+
+}  // namespace
+
+std::vector<Lun> readLuns(Session& session, Report& report) {
+    Instances instances;
+    long count = 0;
+    const unsigned long status = session.call("KORVADSMGetAllDiskInfoEx", [&] {
+        return KORVADSMGetAllDiskInfoEx(instances.list(), count);
+    });
+    if (instances.list().empty()) {
+        if (status != DSM_SUCCESS) failListing(session, status);
+        checkEmptyList(session);
+    }
+    if (status != DSM_SUCCESS)
+        failPartly(report, "the list of LUNs is not complete", status, kLogHint);
+    if (session.status() != DSM_SUCCESS && !instances.list().empty()) {
+        report.add(Severity::kWarning, "the session could not be opened completely",
+                   session.status(), hintFor(session.status()));
+    }
+    std::vector<Lun> luns;
+    for (IWbemClassObject* instance : instances.list()) {
+        luns.push_back(readLun(session, instance));
+    }
+    return luns;
+}
+
+std::vector<Lun> selectLuns(const std::vector<Lun>& luns, const std::string& serial,
+                            Report& report) {
+    std::vector<Lun> selected;
+    std::copy_if(luns.begin(), luns.end(), std::back_inserter(selected),
+                 [&](const Lun& lun) { return lun.serialText == serial; });
+    if (selected.empty()) {
+        report.add(Severity::kError, fmt::format("no LUN {}", serial), DSM_SERIAL_NOT_FOUND,
+                   nearMiss(luns, serial));
+        report.fail(ExitCode::kNotFound, DSM_SERIAL_NOT_FOUND);
+    }
+    // A LUN that is not found may be one of those that cannot be read.
+    reportGaps(selected.empty() ? luns : selected, report);
+    return selected;
+}
+
+void reportGaps(const std::vector<Lun>& luns, Report& report) {
+    for (const Lun& lun : luns) reportGapsOf(lun, report);
+    reportDuplicates(luns, report);
+}
+
+}  // namespace quista::cli

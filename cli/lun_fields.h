@@ -1,0 +1,13 @@
+// The field tables of LUNs and of the summary over them.
+#pragma once
+
+#include "cli/fields.h"
+#include "cli/health.h"
+#include "cli/model.h"
+
+namespace quista::cli {
+
+Fields<Lun> lunFields();
+Fields<HealthSummary> summaryFields();
+
+}  // namespace quista::cli
