@@ -29,21 +29,32 @@ DWORD parseDriveArray(const VARIANT& drives, _DSM_DISKS& disks, DWORD& entryCoun
     return status;
 }
 
-DWORD parseSingleDrive(const VARIANT& drive, _DSM_DISKS& disks, DWORD& entryCount) {
+DWORD parseSingleDrive(IWbemClassObject* drive, _DSM_DISKS& disks, DWORD& entryCount) {
     traceLine(L"WARNING: LunInfo is not an array!\n");
-    ComRef<IWbemClassObject> object;
-    static_cast<void>(toEmbeddedObject(drive, object));
-    const DWORD status = ParseLunInfo(object.get(), &disks.DriveInfo[0]);
+    const DWORD status = ParseLunInfo(drive, &disks.DriveInfo[0]);
     if (status == DSM_SUCCESS) entryCount = 1;
     return status;
 }
 
-DWORD parseDrives(const VARIANT& drives, _DSM_DISKS& disks, DWORD& entryCount) {
-    switch (drives.vt) {
+/// The value of DriveInfo. Where an array is expected, a single drive is taken too.
+struct Drives {
+    UniqueVariant value;
+    ComRef<IWbemClassObject> single;
+};
+
+/// Reads the drives. A single drive without an object behind it counts as a failed read.
+HRESULT readDrives(IWbemClassObject* instance, Drives& drives) {
+    const HRESULT result = getProperty(instance, L"DriveInfo", drives.value);
+    if (result != S_OK || drives.value.type() != VT_UNKNOWN) return result;
+    return toEmbeddedObject(drives.value.get(), drives.single);
+}
+
+DWORD parseDrives(const Drives& drives, _DSM_DISKS& disks, DWORD& entryCount) {
+    switch (drives.value.type()) {
         case VT_UNKNOWN:
-            return parseSingleDrive(drives, disks, entryCount);
+            return parseSingleDrive(drives.single.get(), disks, entryCount);
         case VT_ARRAY | VT_UNKNOWN:
-            return parseDriveArray(drives, disks, entryCount);
+            return parseDriveArray(drives.value.get(), disks, entryCount);
         default:
             return DSM_WMI_PARSING_ERROR;
     }
@@ -67,8 +78,8 @@ DWORD ParseDisksInfo(_DSM_DISKS* disks, DWORD* entryCount) {
         }
         disks->NumberDrives = count.rawLong();
 
-        UniqueVariant drives;
-        if (getOrLog(instance.get(), L"DriveInfo", drives, L"ParseDisksInfo::Get(LunInfo)") !=
+        Drives drives;
+        if (logFailure(readDrives(instance.get(), drives), L"ParseDisksInfo::Get(LunInfo)") !=
             S_OK) {
             OutputDebugStringW(L"ParseDisksInfo: IWbemClassObject::Get(LunInfo).\n");
             // Kept: such an instance is not released.
@@ -76,7 +87,7 @@ DWORD ParseDisksInfo(_DSM_DISKS* disks, DWORD* entryCount) {
             continue;
         }
         // Only the first instance that gives both properties counts.
-        return parseDrives(drives.get(), *disks, *entryCount);
+        return parseDrives(drives, *disks, *entryCount);
     }
     return DSM_WMI_PARSING_ERROR;
 }

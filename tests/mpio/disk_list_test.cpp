@@ -310,6 +310,27 @@ TEST_F(DiskListTest, UnreadableSingleObjectEndsTheCall) {
     EXPECT_EQ(countCalls(L"Next MPIO_DISK_INFO"), 1u);
 }
 
+/// A lone drive without an object behind it counts as one that could not be read.
+class LoneDriveTest : public DiskListTest, public testing::WithParamInterface<bool> {};
+
+TEST_P(LoneDriveTest, WithoutWmiObjectIsUnreadable) {
+    host.add(diskInfo({drive(L"s-1")}, L"first"));
+    host.add(diskInfo({drive(L"s-2")}, L"second"));
+    openSession();
+    host.replaceValue(kDiskClass, L"DriveInfo",
+                      Value::object(GetParam() ? foreignObject() : nullptr), 1, 1);
+    const LiveObjectsCheck live(host, {.objects = 1});
+    const DiskRecord record(1);
+    EXPECT_EQ(DSMGetAllLunsEx(record.get()), DSM_SUCCESS);
+    EXPECT_STREQ(record.drive(0).SerialNumber, L"s-2");
+    EXPECT_THAT(log.lines(), ElementsAre(LogLine{kDrives, kNoObject}));
+    EXPECT_THAT(debugger.texts(), ElementsAre(kNoDrivesText));
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, LoneDriveTest, testing::Bool(), [](const auto& test) {
+    return test.param ? "ForeignObject" : "NullObject";
+});
+
 TEST_F(DiskListTest, OtherTypesFillNothing) {
     host.add(diskInfo({drive(L"s-1")}, L"first"));
     host.add(diskInfo({drive(L"s-2")}, L"second"));
