@@ -4,13 +4,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <utility>
+#include <vector>
 
 #include "tests/support/allocation_spy.h"
 #include "tests/support/guarded_buffer.h"
+#include "tests/support/library_test.h"
 #include "tests/support/log_file.h"
 #include "tests/support/work_folder.h"
 #include "tests/wmi/fake_object.h"
 #include "tests/wmi/value.h"
+#include "wmi/query.h"
 #include "wmi/text_field.h"
 
 namespace quista::test {
@@ -82,6 +85,31 @@ TEST_F(PropertyTest, ValueThatIsNoObjectIsAFailedRead) {
     EXPECT_THAT(log.take(), ElementsAre(LogLine{"Test::Get", WBEM_E_NOT_FOUND}));
 }
 
+class PutTest : public LibraryTest {
+  protected:
+    PutTest() {
+        host.loadText(L"class Item { [key] string Name; uint32 Weight; };\n");
+        host.add(MofObject(L"Item").text(L"Name", L"a").number(L"Weight", 1));
+        openSession();
+    }
+};
+
+TEST_F(PutTest, NumberIsWrittenAndReadWithItsType) {
+    ComRef<IEnumWbemClassObject> items;
+    ComRef<IWbemClassObject> item;
+    ASSERT_EQ(enumerateClass(L"Item", items), S_OK);
+    ASSERT_EQ(nextInstance(items.get(), item), S_OK);
+    EXPECT_EQ(putLong(item.get(), L"Weight", 0xFFFFFFFE), S_OK);
+    UniqueVariant value;
+    CIMTYPE type = 0;
+    EXPECT_EQ(getOrLog(item.get(), L"Weight", value, L"Test::Get(Weight)", &type), S_OK);
+    EXPECT_EQ(value.rawLong(), 0xFFFFFFFEu);
+    EXPECT_EQ(type, CIM_UINT32);
+    EXPECT_EQ(putLong(item.get(), L"Missing", 1), kNotFound);
+    EXPECT_EQ(putLong(nullptr, L"Weight", 1), E_POINTER);
+    EXPECT_FALSE(log.exists()) << "the caller logs";
+}
+
 TEST(StringOfTest, OnlyAStringHasOne) {
     EXPECT_EQ(stringOf(Value::text(L"a\\b").get()), L"a\\b");
     EXPECT_EQ(stringOf(Value::text(std::wstring(L"a\0b", 3)).get()), L"a");
@@ -97,6 +125,31 @@ TEST(UniqueVariantTest, ValueIsZeroUntilOneComesIn) {
     EXPECT_EQ(value.rawByte(), 0);
     EXPECT_EQ(value.rawLong(), 0u);
     EXPECT_EQ(value.rawBoolean(), 0);
+}
+
+TEST(UniqueVariantTest, NewLowBitsKeepTheType) {
+    UniqueVariant value;
+    *value.receive() = Value::bits(VT_UI1, 0x1122334455667788).release();
+    value.setLong(0xFFFFFFFE);
+    EXPECT_EQ(value.type(), VT_UI1);
+    EXPECT_EQ(value.get().ullVal, 0x11223344FFFFFFFEu);
+}
+
+TEST(UniqueVariantTest, NewLowBitsReplaceAPointer) {
+    const AllocationScope scope;
+    FakeObject object;
+    std::vector<Value> values;
+    values.push_back(Value::text(L"x"));
+    values.push_back(Value::object(&object));
+    values.push_back(Value::bytes({1}));
+    for (Value& owned : values) {
+        UniqueVariant value;
+        *value.receive() = owned.release();
+        value.setLong(5);
+        EXPECT_EQ(value.type(), VT_I4);
+        EXPECT_EQ(value.rawLong(), 5u);
+    }
+    EXPECT_THAT(scope.survivors(), IsEmpty());
 }
 
 TEST(UniqueVariantTest, ValueIsClearedUnlessItIsKept) {

@@ -56,6 +56,18 @@ TEST_F(QueryTest, WithoutASessionACallFails) {
     EXPECT_FALSE(enumerator);
 }
 
+TEST_F(QueryTest, AnyConnectionCanBeAsked) {
+    ComRef<IEnumWbemClassObject> enumerator;
+    host.loadText(
+        L"#pragma namespace(\"\\\\\\\\.\\\\root\\\\cimv2\")\n"
+        L"class Disk { [key] string Name; };\n");
+    host.add(MofObject(L"Disk").text(L"Name", L"a"), kCimv2);
+    EXPECT_EQ(execQuery(gCimv2Services, enumerator.receive(), L"SELECT * FROM Disk"), S_OK);
+    ComRef<IWbemClassObject> disk;
+    EXPECT_EQ(nextInstance(enumerator.get(), disk), S_OK);
+    EXPECT_EQ(execQuery(nullptr, enumerator.receive(), L"SELECT * FROM Disk"), E_POINTER);
+}
+
 TEST_F(QueryTest, EnumerationIsShallowToo) {
     const RecordedServices services;
     ComRef<IEnumWbemClassObject> enumerator;
@@ -72,6 +84,8 @@ TEST_F(QueryTest, FailedEnumerationGivesItsResult) {
     host->clearFaults();
     host.failEnumeration(L"Item", S_OK);
     EXPECT_EQ(enumerateClass(L"Item", enumerator), E_POINTER) << "success without an enumerator";
+    EXPECT_EQ(createInstanceEnum(L"Item", enumerator), S_OK) << "left to the caller";
+    EXPECT_FALSE(enumerator);
 }
 
 TEST_F(QueryTest, EndOfAnEnumerationIsLoggedLikeAFailure) {

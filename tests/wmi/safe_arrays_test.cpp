@@ -264,6 +264,39 @@ TEST(ArrayToBytesTest, ArrayWithoutBytesTouchesNothing) {
     EXPECT_TRUE(bytes.untouched());
 }
 
+// ---- Single bytes
+
+TEST(ByteElementTest, OneByteIsReadAndWritten) {
+    const Value array = Value::bytes({1, 2, 3}, 5);
+    unsigned char byte = 0;
+    EXPECT_EQ(putByteElement(array.get(), 6, 9), S_OK);
+    EXPECT_EQ(getByteElement(array.get(), 6, byte), S_OK);
+    EXPECT_EQ(byte, 9);
+    EXPECT_EQ(getByteElement(array.get(), 5, byte), S_OK);
+    EXPECT_EQ(byte, 1) << "its neighbours stay";
+}
+
+TEST(ByteElementTest, IndexOutOfBoundsIsRefused) {
+    const Value array = Value::bytes({1, 2});
+    unsigned char byte = 7;
+    for (const LONG index : {-1, 2}) {
+        EXPECT_EQ(getByteElement(array.get(), index, byte), DISP_E_BADINDEX);
+        EXPECT_EQ(putByteElement(array.get(), index, 9), DISP_E_BADINDEX);
+    }
+    EXPECT_EQ(byte, 7);
+}
+
+TEST(ByteElementTest, OtherValuesAreRefused) {
+    std::vector<Value> values = arraysWithoutElements(VT_UI1);
+    values.push_back(Value::longs({1}));
+    for (const Value& value : values) {
+        unsigned char byte = 7;
+        EXPECT_EQ(getByteElement(value.get(), 0, byte), E_INVALIDARG);
+        EXPECT_EQ(putByteElement(value.get(), 0, 9), E_INVALIDARG);
+        EXPECT_EQ(byte, 7);
+    }
+}
+
 // ---- copyFirstBytes
 
 TEST(FirstBytesTest, ElementsZeroToSevenAreCopied) {
@@ -353,7 +386,20 @@ TEST(ObjectTableTest, OtherValuesHaveNoObjects) {
     EXPECT_EQ(table.fill(Value::texts({L"a"}).get()), 0);
 }
 
-TEST(ObjectTableTest, KeptObjectsAreNotReleased) {
+TEST(ObjectTableTest, KeptObjectsOutliveTheirTable) {
+    FakeObject object;
+    const Value array = Value::objects({&object});
+    {
+        ObjectTable table(1);
+        table.fill(array.get());
+        EXPECT_EQ(table.objects()[0], &object);
+        table.keepObjectsOnPurpose();
+    }
+    EXPECT_EQ(object.references(), 2u);
+    object.Release();
+}
+
+TEST(ObjectTableTest, KeptTableAndObjectsAreNotReleased) {
     FakeObject object;
     const Value array = Value::objects({&object});
     void** slots = nullptr;
