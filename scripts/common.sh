@@ -7,3 +7,26 @@ export WINEDLLOVERRIDES="winedbg.exe=d;mscoree=d;mshtml=d"
 export LC_ALL=C.UTF-8
 export TZ=UTC
 unset DISPLAY WAYLAND_DISPLAY
+
+# Runs a command whose output only matters when it fails.
+quietly() {
+    local log
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 || {
+        cat "$log" >&2
+        rm -f "$log"
+        return 1
+    }
+    rm -f "$log"
+}
+
+configure_build() {
+    [ -f "$build/build.ninja" ] || quietly cmake -S "$root" --preset mingw
+}
+
+# Keeps Wine's server for some seconds after the last program, which spares the next one the start
+# of Wine's services. They inherit the output of whatever starts them: here, nothing.
+linger_wine() {
+    wineserver -p"$1" >/dev/null 2>&1 </dev/null || true
+    "$root/scripts/wine" cmd /c exit >/dev/null 2>&1 </dev/null || true
+}
