@@ -13,6 +13,7 @@
 
 #include "cli/failure.h"
 #include "cli/format.h"
+#include "cli/hints.h"
 #include "cli/text.h"
 #include "quista/frame.h"
 #include "quista/luns.h"
@@ -20,33 +21,9 @@
 namespace quista::cli {
 namespace {
 
-constexpr const char* kLogHint =
-    "MPIOlog.dat names the step that failed; it lies in the configured LogDir, "
-    "else in %LOCALAPPDATA%\\Quista.";
-constexpr const char* kAccessHint =
-    "Run it as an administrator, and check that the service \"Windows Management Instrumentation\" "
-    "is running.";
-constexpr const char* kInstallHint =
-    "Check that Multipath I/O and the storage vendor's DSM are installed. --simulate standard "
-    "shows "
-    "a simulated host instead.";
-
 constexpr const char* kSerialHint =
     "The driver does not give it: check the LUN on its storage system. Commands that take a serial "
     "number cannot name it.";
-
-const char* hintFor(unsigned long status) {
-    switch (status) {
-        case DSM_WMI_CONNECT_FAILED:
-            return kAccessHint;
-        case DSM_WMI_FAILURE:
-        case DSM_WMI_PARSING_ERROR:
-        case DSM_WMI_NOT_SUPPORTED:
-            return kInstallHint;
-        default:
-            return kLogHint;
-    }
-}
 
 // The instances of an enumeration, whose references the caller owns.
 class Instances {
@@ -94,7 +71,7 @@ void checkEmptyList(Session& session) {
     if (missing == DSM_SUCCESS) return;
     throw Failure(ExitCode::kFailed, DSM_WMI_NOT_SUPPORTED,
                   "cannot list the LUNs: the class KORVADSM_LUNINFO is missing from root\\wmi",
-                  kInstallHint);
+                  installHint());
 }
 
 // What a person knows the LUN by.
@@ -114,13 +91,13 @@ void failPartly(Report& report, std::string text, unsigned long status, const ch
 void reportGapsOf(const Lun& lun, Report& report) {
     if (lun.status != DSM_SUCCESS) {
         failPartly(report, fmt::format("cannot read the LUN {} completely", nameOf(lun)),
-                   lun.status, kLogHint);
+                   lun.status, logHint());
     } else if (!lun.hasAllPaths()) {
         failPartly(
             report,
             fmt::format("the driver counts {} of the LUN {} but describes {}",
                         formatCount(lun.pathsReported, "path"), nameOf(lun), lun.paths.size()),
-            DSM_SUCCESS, kLogHint);
+            DSM_SUCCESS, logHint());
     }
     if (!lun.serialNumber) {
         failPartly(report,
@@ -162,7 +139,7 @@ std::vector<Lun> readLuns(Session& session, Report& report) {
         checkEmptyList(session);
     }
     if (status != DSM_SUCCESS)
-        failPartly(report, "the list of LUNs is not complete", status, kLogHint);
+        failPartly(report, "the list of LUNs is not complete", status, logHint());
     if (session.status() != DSM_SUCCESS && !instances.list().empty()) {
         report.add(Severity::kWarning, "the session could not be opened completely",
                    session.status(), hintFor(session.status()));

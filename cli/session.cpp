@@ -5,6 +5,7 @@
 #include <objbase.h>
 
 #include "cli/failure.h"
+#include "cli/hints.h"
 #include "quista/frame.h"
 
 namespace quista::cli {
@@ -23,14 +24,16 @@ ComApartment::ComApartment() {
     const HRESULT opened = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     isOwn_ = SUCCEEDED(opened);
     if (!isOwn_ && opened != RPC_E_CHANGED_MODE) {
-        throw Failure(ExitCode::kFailed, DSM_COM_INIT_FAILED, "cannot set up COM");
+        throw Failure(ExitCode::kFailed, DSM_COM_INIT_FAILED, "cannot set up COM",
+                      hintFor(DSM_COM_INIT_FAILED));
     }
     const HRESULT secured =
         CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
                              RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
     if (SUCCEEDED(secured) || secured == RPC_E_TOO_LATE) return;
     if (isOwn_) CoUninitialize();
-    throw Failure(ExitCode::kFailed, DSM_COM_SECURITY_FAILED, "cannot set up COM");
+    throw Failure(ExitCode::kFailed, DSM_COM_SECURITY_FAILED, "cannot set up COM",
+                  hintFor(DSM_COM_SECURITY_FAILED));
 }
 
 ComApartment::~ComApartment() {

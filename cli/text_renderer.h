@@ -17,8 +17,8 @@ struct TextStyle {
 };
 
 /// Tables and summary. In a table that is wider than the terminal sentences are broken into lines,
-/// or its columns are folded into several lines, or each record becomes a block of lines. Nothing is
-/// ever left out.
+/// or its columns are folded into several lines, or each record becomes a block of lines. Nothing
+/// is ever left out.
 std::string renderText(const Report& report, const TextStyle& style);
 
 /// One line per message, and one for its hint.
