@@ -100,4 +100,17 @@ Value Value::byReference() && {
     return std::move(*this);
 }
 
+std::vector<Value> arraysWithoutElements(VARTYPE element) {
+    std::vector<Value> values;
+    values.push_back(Value::array(element, 0));
+    values.push_back(Value::array(element, 0, 5));
+    values.push_back(Value::bits(static_cast<VARTYPE>(VT_ARRAY | element)));
+    values.push_back(Value::matrix(element, 2, 2));
+    values.push_back(Value());
+    values.push_back(Value::bits(VT_NULL));
+    values.push_back(Value::bits(VT_I4, 7));
+    values.push_back(Value::text(L"text"));
+    return values;
+}
+
 }  // namespace quista::test

@@ -56,4 +56,7 @@ class Value {
     VARIANT variant_{};
 };
 
+/// Values from which no element can be taken.
+std::vector<Value> arraysWithoutElements(VARTYPE element);
+
 }  // namespace quista::test
