@@ -44,7 +44,7 @@ unsigned long KORVADSMGetAllDiskInfoEx(std::list<IWbemClassObject*>& luns, long&
 
 /// Finds a LUN's instance name, policy and paths by its serial number.
 /// @param instanceName receives the name with doubled backslashes between double quotes; the buffer
-///                     holds at least 260 characters
+///                     holds at least 256 characters
 /// @param descriptor   receives a block that the caller frees with CoTaskMemFree
 /// @param policy       receives KorvaDSMLoadBalancePolicy
 /// @param diskInfo     filled with the paths when not null; room for all paths is the caller's
