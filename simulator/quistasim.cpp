@@ -1,4 +1,6 @@
-// The exports of quistasim.dll.
+// The exports of quistasim.dll. No exception leaves them: callers have a runtime of their own.
+#include <exception>
+
 #include "simulator/com/simulated_host.h"
 #include "simulator/generator/host_generator.h"
 #include "simulator/simulator.h"
@@ -6,7 +8,11 @@
 extern "C" {
 
 quista::simulator::Simulator* quistaCreateSimulator() {
-    return new quista::simulator::SimulatedHost();
+    try {
+        return new quista::simulator::SimulatedHost();
+    } catch (const std::exception&) {
+        return nullptr;
+    }
 }
 
 void quistaDestroySimulator(quista::simulator::Simulator* simulator) {
@@ -14,6 +20,10 @@ void quistaDestroySimulator(quista::simulator::Simulator* simulator) {
 }
 
 void quistaGenerateHost(unsigned luns, unsigned pathsPerLun, std::wstring& mof) {
-    mof = quista::simulator::generateHost(luns, pathsPerLun);
+    try {
+        mof = quista::simulator::generateHost(luns, pathsPerLun);
+    } catch (const std::exception&) {
+        mof.clear();
+    }
 }
 }

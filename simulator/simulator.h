@@ -25,8 +25,8 @@ struct LoadError {
 struct Fault {
     std::wstring interfaceName{};  ///< such as L"IWbemServices"
     std::wstring method{};         ///< such as L"ExecQuery", L"Next", L"Get"
-    /// Class of the object, of the enumeration or query, or of the path; for ConnectServer the
-    /// namespace.
+    /// Class of the object, of the enumeration or query, or of the path; for ConnectServer and
+    /// CompileFile the namespace; for IClassFactory::CreateInstance "WbemLocator" or "MofCompiler".
     std::wstring className{};
     std::wstring property{};  ///< property of Get and Put, WMI method of GetMethod and ExecMethod
     unsigned occurrence = 1;  ///< the first matching call that fails, counted from 1
@@ -129,7 +129,8 @@ class Simulator {
     virtual LiveObjects liveObjects() const = 0;
 };
 
-/// Makes a simulator with an empty repository (namespaces root\wmi and root\cimv2 exist).
+/// Makes a simulator with an empty repository (namespaces root\wmi and root\cimv2 exist); a null
+/// pointer when there is no memory for it.
 using CreateSimulatorFunction = Simulator* (*)();
 /// Stops and destroys a simulator.
 using DestroySimulatorFunction = void (*)(Simulator*);
@@ -140,6 +141,6 @@ extern "C" {
 quista::simulator::Simulator* quistaCreateSimulator();
 void quistaDestroySimulator(quista::simulator::Simulator* simulator);
 /// Makes the MOF text of a host with `luns` LUNs of `pathsPerLun` paths each, consistent in the
-/// vendor's and MPIO's classes, for load tests.
+/// vendor's and MPIO's classes, for load tests; empty when there is no memory for it.
 void quistaGenerateHost(unsigned luns, unsigned pathsPerLun, std::wstring& mof);
 }

@@ -1,12 +1,10 @@
 #include "simulator/com/class_object.h"
 
-#include <new>
 #include <utility>
 
 #include "simulator/com/embedded_objects.h"
 #include "simulator/com/variant_values.h"
 #include "simulator/mof/mof_writer.h"
-#include "simulator/repository/text_case.h"
 
 namespace quista::simulator {
 namespace {
@@ -14,48 +12,6 @@ namespace {
 /// Known to the simulator alone: how it finds its own object behind a client's interface pointer.
 constexpr GUID kOwnObjectId = {
     0x5f0c1b62, 0x7a3e, 0x4d8b, {0x9c, 0x11, 0x2e, 0x60, 0x41, 0xd7, 0xa8, 0x35}};
-
-const CimProperty* findPropertyOf(const ObjectState& state, std::wstring_view name) {
-    return state.definition->findProperty(name);
-}
-
-/// Names that the client filters by a qualifier, by key or by reference.
-bool passesFilter(const CimProperty* property, std::wstring_view qualifier, LONG flags) {
-    if (property == nullptr) return qualifier.empty() && (flags & WBEM_FLAG_KEYS_ONLY) == 0;
-    if ((flags & WBEM_FLAG_KEYS_ONLY) != 0 && !property->isKey()) return false;
-    if ((flags & WBEM_FLAG_REFS_ONLY) != 0 && property->type.base != CimType::reference) {
-        return false;
-    }
-    const bool hasQualifier = property->qualifiers.find(qualifier) != nullptr;
-    switch (flags & WBEM_MASK_PRIMARY_CONDITION) {
-        case WBEM_FLAG_ONLY_IF_TRUE:
-            return hasQualifier;
-        case WBEM_FLAG_ONLY_IF_FALSE:
-            return !hasQualifier;
-        default:
-            return true;
-    }
-}
-
-SAFEARRAY* makeTextArray(const std::vector<std::wstring>& texts) {
-    OwnedVariant array;
-    array->parray = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(texts.size()));
-    if (array->parray == nullptr) throw std::bad_alloc();
-    array->vt = VT_ARRAY | VT_BSTR;
-    LONG index = 0;
-    for (const std::wstring& text : texts) {
-        OwnedVariant element;
-        element->bstrVal = makeBstr(text);
-        element->vt = VT_BSTR;
-        if (FAILED(SafeArrayPutElement(array->parray, &index, element->bstrVal))) {
-            throw std::bad_alloc();
-        }
-        ++index;
-    }
-    VARIANT released{};
-    array.moveTo(released);
-    return released.parray;
-}
 
 }  // namespace
 
@@ -122,7 +78,7 @@ HRESULT STDMETHODCALLTYPE ClassObject::Put(LPCWSTR name, LONG flags, VARIANT* va
 HRESULT ClassObject::put(std::wstring_view name, const VARIANT* value, CIMTYPE type) {
     if (!state_.isInstance()) return wbem(WBEM_E_NOT_SUPPORTED);
     if (isSystemName(name)) return wbem(WBEM_E_READ_ONLY);
-    const CimProperty* property = findPropertyOf(state_, name);
+    const CimProperty* property = state_.definition->findProperty(name);
     if (property == nullptr) return wbem(WBEM_E_NOT_FOUND);
     if (state_.isStored && property->isKey()) return wbem(WBEM_E_READ_ONLY);
     if (type != 0 && type != cimTypeNumber(property->type)) return wbem(WBEM_E_TYPE_MISMATCH);
@@ -149,81 +105,13 @@ HRESULT STDMETHODCALLTYPE ClassObject::Delete(LPCWSTR name) {
 HRESULT ClassObject::reset(std::wstring_view name) {
     if (!state_.isInstance()) return wbem(WBEM_E_NOT_SUPPORTED);
     if (isSystemName(name)) return wbem(WBEM_E_SYSTEM_PROPERTY);
-    const CimProperty* property = findPropertyOf(state_, name);
+    const CimProperty* property = state_.definition->findProperty(name);
     if (property == nullptr) return wbem(WBEM_E_NOT_FOUND);
     if (state_.isStored && property->isKey()) return wbem(WBEM_E_READ_ONLY);
     CimInstance changed = *state_.instance;
     changed.set(name, property->defaultValue);
     state_.instance = std::make_shared<const CimInstance>(std::move(changed));
     return wbem(WBEM_S_RESET_TO_DEFAULT);
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::GetNames(LPCWSTR qualifier, LONG flags, VARIANT*,
-                                                SAFEARRAY** result) {
-    clearOutput(result);
-    return host()->run(call(L"GetNames"), [&] {
-        if (result == nullptr) return wbem(WBEM_E_INVALID_PARAMETER);
-        return names(textOf(qualifier), flags, result);
-    });
-}
-
-HRESULT ClassObject::names(std::wstring_view qualifier, LONG flags, SAFEARRAY** result) const {
-    if ((flags & WBEM_MASK_PRIMARY_CONDITION) == WBEM_FLAG_ONLY_IF_IDENTICAL) {
-        return wbem(WBEM_E_NOT_SUPPORTED);
-    }
-    std::vector<std::wstring> found;
-    for (std::wstring& name : propertyNames(state_, flags & WBEM_MASK_CONDITION_ORIGIN)) {
-        if (passesFilter(findPropertyOf(state_, name), qualifier, flags)) {
-            found.push_back(std::move(name));
-        }
-    }
-    *result = makeTextArray(found);
-    return S_OK;
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::BeginEnumeration(LONG flags) {
-    return host()->run(call(L"BeginEnumeration"), [&] {
-        if ((flags & ~WBEM_MASK_CONDITION_ORIGIN) != 0) return wbem(WBEM_E_INVALID_PARAMETER);
-        if (properties_.isOpen) return wbem(WBEM_E_UNEXPECTED);
-        properties_ = {true, propertyNames(state_, flags), 0};
-        return S_OK;
-    });
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::Next(LONG flags, BSTR* name, VARIANT* value, CIMTYPE* type,
-                                            LONG* flavor) {
-    clearOutput(name);
-    return host()->run(
-        call(L"Next"),
-        [&] {
-            if (flags != 0) return wbem(WBEM_E_INVALID_PARAMETER);
-            return nextProperty(name, value, type, flavor);
-        },
-        [&] {
-            if (value != nullptr) value->vt = VT_NULL;
-        });
-}
-
-HRESULT ClassObject::nextProperty(BSTR* name, VARIANT* value, CIMTYPE* type, LONG* flavor) {
-    if (!properties_.isOpen) return wbem(WBEM_E_UNEXPECTED);
-    if (properties_.position == properties_.names.size()) return wbem(WBEM_S_NO_MORE_DATA);
-    const std::wstring& current = properties_.names[properties_.position];
-    BSTR text = name != nullptr ? makeBstr(current) : nullptr;
-    const HRESULT result = get(current, value, type, flavor);
-    if (FAILED(result)) {
-        SysFreeString(text);
-        return result;
-    }
-    if (name != nullptr) *name = text;
-    ++properties_.position;
-    return S_OK;
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::EndEnumeration() {
-    return host()->run(call(L"EndEnumeration"), [&] {
-        properties_ = {};
-        return S_OK;
-    });
 }
 
 HRESULT STDMETHODCALLTYPE ClassObject::Clone(IWbemClassObject** copy) {
@@ -286,100 +174,10 @@ HRESULT STDMETHODCALLTYPE ClassObject::CompareTo(LONG, IWbemClassObject* other) 
     });
 }
 
-HRESULT STDMETHODCALLTYPE ClassObject::GetPropertyOrigin(LPCWSTR name, BSTR* className) {
-    clearOutput(className);
-    return host()->run(propertyCall(L"GetPropertyOrigin", textOf(name)), [&] {
-        if (name == nullptr || className == nullptr) return wbem(WBEM_E_INVALID_PARAMETER);
-        const CimProperty* property = findPropertyOf(state_, name);
-        if (property == nullptr) return wbem(WBEM_E_NOT_FOUND);
-        *className = makeBstr(property->declaredIn);
-        return S_OK;
-    });
-}
-
 HRESULT STDMETHODCALLTYPE ClassObject::InheritsFrom(LPCWSTR ancestor) {
     return host()->run(call(L"InheritsFrom"), [&] {
         if (ancestor == nullptr) return wbem(WBEM_E_INVALID_PARAMETER);
         return state_.definition->isA(ancestor) ? S_OK : wbem(WBEM_S_FALSE);
-    });
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::GetMethod(LPCWSTR name, LONG flags, IWbemClassObject** in,
-                                                 IWbemClassObject** out) {
-    clearOutput(in);
-    clearOutput(out);
-    return host()->run(propertyCall(L"GetMethod", textOf(name)), [&] {
-        if (name == nullptr || flags != 0) return wbem(WBEM_E_INVALID_PARAMETER);
-        if (state_.isInstance()) return wbem(WBEM_E_ILLEGAL_OPERATION);
-        const CimMethod* method = state_.definition->findMethod(name);
-        if (method == nullptr) return wbem(WBEM_E_NOT_FOUND);
-        deliverSignatures(*method, in, out);
-        return S_OK;
-    });
-}
-
-void ClassObject::deliverSignatures(const CimMethod& method, IWbemClassObject** in,
-                                    IWbemClassObject** out) {
-    const auto signature = [&](CimClassPtr parameters) -> ComOwner<ClassObject> {
-        if (parameters == nullptr) return nullptr;
-        return makeClassObject(host(), stateOfClass(std::move(parameters), state_.nameSpace));
-    };
-    ComOwner<ClassObject> inParameters = in != nullptr ? signature(inSignature(method)) : nullptr;
-    ComOwner<ClassObject> outParameters =
-        out != nullptr ? signature(outSignature(method)) : nullptr;
-    deliver(std::move(inParameters), in);
-    deliver(std::move(outParameters), out);
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::BeginMethodEnumeration(LONG flags) {
-    return host()->run(call(L"BeginMethodEnumeration"), [&] {
-        if (flags != 0) return wbem(WBEM_E_INVALID_PARAMETER);
-        if (state_.isInstance()) return wbem(WBEM_E_ILLEGAL_OPERATION);
-        if (methods_.isOpen) return wbem(WBEM_E_UNEXPECTED);
-        methods_ = {true, {}, 0};
-        for (const CimMethod& method : state_.definition->methods) {
-            methods_.names.push_back(method.name);
-        }
-        return S_OK;
-    });
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::NextMethod(LONG flags, BSTR* name, IWbemClassObject** in,
-                                                  IWbemClassObject** out) {
-    clearOutput(name);
-    clearOutput(in);
-    clearOutput(out);
-    return host()->run(call(L"NextMethod"), [&] {
-        if (flags != 0) return wbem(WBEM_E_INVALID_PARAMETER);
-        return nextMethod(name, in, out);
-    });
-}
-
-HRESULT ClassObject::nextMethod(BSTR* name, IWbemClassObject** in, IWbemClassObject** out) {
-    if (!methods_.isOpen) return wbem(WBEM_E_UNEXPECTED);
-    if (methods_.position == methods_.names.size()) return wbem(WBEM_S_NO_MORE_DATA);
-    const CimMethod& method = *state_.definition->findMethod(methods_.names[methods_.position]);
-    deliverSignatures(method, in, out);
-    if (name != nullptr) *name = makeBstr(method.name);
-    ++methods_.position;
-    return S_OK;
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::EndMethodEnumeration() {
-    return host()->run(call(L"EndMethodEnumeration"), [&] {
-        methods_ = {};
-        return S_OK;
-    });
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::GetMethodOrigin(LPCWSTR name, BSTR* className) {
-    clearOutput(className);
-    return host()->run(propertyCall(L"GetMethodOrigin", textOf(name)), [&] {
-        if (name == nullptr || className == nullptr) return wbem(WBEM_E_INVALID_PARAMETER);
-        const CimMethod* method = state_.definition->findMethod(name);
-        if (method == nullptr) return wbem(WBEM_E_NOT_FOUND);
-        *className = makeBstr(method->declaredIn);
-        return S_OK;
     });
 }
 

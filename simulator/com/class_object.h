@@ -1,8 +1,9 @@
 // IWbemClassObject: classes, instances, embedded objects and method parameters.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <cstddef>
 #include <memory>

@@ -2,8 +2,9 @@
 // changing class definitions.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include "simulator/com/com_object.h"
 

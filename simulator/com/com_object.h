@@ -1,8 +1,9 @@
 // The common ground of the simulator's COM objects: identity, references, place in the ledger.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <memory>
 #include <utility>

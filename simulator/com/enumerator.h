@@ -1,8 +1,9 @@
 // IEnumWbemClassObject: the results of an enumeration or query.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <cstddef>
 #include <memory>

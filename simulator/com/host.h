@@ -1,11 +1,13 @@
 // What all COM objects of one simulator share, and the one way in which every call runs.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <memory>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "simulator/com/wbem_result.h"
@@ -44,13 +46,13 @@ struct Host {
     HRESULT compilerFailure = S_OK;
 
     /// Runs one call: a planned fault takes its place, no exception leaves it, and it is recorded.
-    /// `emptyOutputs` runs when a planned result claims success: the client then finds its outputs
-    /// empty. Outputs that a failure nulls too are nulled by the caller beforehand.
+    /// `emptyOutputs` runs when the planned result is S_OK, so that the client finds outputs, empty
+    /// ones. Outputs that a failure nulls too are nulled by the caller beforehand.
     template <class Body, class EmptyOutputs>
     HRESULT run(const Call& call, Body&& body, EmptyOutputs&& emptyOutputs) noexcept {
         return guarded([&] {
             const std::optional<HRESULT> fault = faults.strike(call);
-            if (fault && SUCCEEDED(*fault)) emptyOutputs();
+            if (fault == S_OK) emptyOutputs();
             const HRESULT result = fault ? *fault : guarded(std::forward<Body>(body));
             trace.record(call, result);
             return result;

@@ -1,8 +1,9 @@
 // IWbemLocator: the way into the namespaces of a simulated host.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <memory>
 

@@ -1,8 +1,9 @@
 // Checks a method call against the class's definition and hands it to the driver.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <memory>
 #include <string_view>

@@ -1,8 +1,9 @@
 // IMofCompiler: compiles MOF files into the repository of a simulated host.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <memory>
 

@@ -1,8 +1,9 @@
 // What an IWbemClassObject stands for: a class or an instance, and how its properties read.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <optional>
 #include <string>

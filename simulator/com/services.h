@@ -1,8 +1,9 @@
 // IWbemServices: one namespace of a simulated host.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include <memory>
 #include <string>

@@ -2,8 +2,9 @@
 // sink, and the events.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include "simulator/com/com_object.h"
 

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <memory>
 #include <ole2.h>
 #include <optional>
@@ -30,11 +31,13 @@ bool visitElements(const VARIANT& source, Visit&& visit) {
     LONG lower = 0;
     LONG upper = -1;
     if (array == nullptr || SafeArrayGetDim(array) != 1) return false;
+    const bool holdsVariants = (source.vt & VT_TYPEMASK) == VT_VARIANT;
+    const std::size_t room = holdsVariants ? sizeof(VARIANT) : sizeof(LONGLONG);
+    if (SafeArrayGetElemsize(array) > room) return false;
     if (FAILED(SafeArrayGetLBound(array, 1, &lower))) return false;
     if (FAILED(SafeArrayGetUBound(array, 1, &upper))) return false;
     for (LONG index = lower; index <= upper; ++index) {
         OwnedVariant element;
-        const bool holdsVariants = (source.vt & VT_TYPEMASK) == VT_VARIANT;
         void* content = holdsVariants ? static_cast<void*>(element.get()) : &element->bVal;
         if (FAILED(SafeArrayGetElement(array, &index, content))) return false;
         if (!holdsVariants) element->vt = source.vt & VT_TYPEMASK;

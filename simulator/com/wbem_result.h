@@ -1,8 +1,9 @@
 // WMI's status codes as results.
 #pragma once
 
-#include <wbemcli.h>
 #include <windows.h>
+
+#include <wbemcli.h>
 
 #include "simulator/repository/repository.h"
 

@@ -10,7 +10,7 @@ struct Call {
     const wchar_t* interfaceName;
     const wchar_t* method;
     std::wstring_view className{};  ///< of the object, enumeration, query or path; or the namespace
-    std::wstring_view property{};   ///< property of Get and Put, WMI method of ExecMethod
+    std::wstring_view property{};   ///< property, or WMI method of GetMethod and ExecMethod
     std::wstring_view detail{};     ///< query text, namespace or file; empty: the property
     std::wstring_view path{};       ///< object path
 };

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <oaidl.h>
+
 #include <optional>
 #include <string_view>
 #include <vector>

@@ -58,6 +58,16 @@ TEST_F(InstrumentationTest, Fault_NextSaysSuccess_DeliversNullObjects) {
     EXPECT_EQ(returned, 0U);
 }
 
+TEST_F(InstrumentationTest, Fault_NextSaysFalse_LeavesTheArrayAlone) {
+    host().addFault({L"IEnumWbemClassObject", L"Next", L"", L"", 1, 1, wbem(WBEM_S_FALSE)});
+    const auto untouched = reinterpret_cast<IWbemClassObject*>(8);
+    IWbemClassObject* object = untouched;
+    ULONG returned = 9;
+    EXPECT_EQ(enumerate(L"Disk")->Next(kInfinite, 1, &object, &returned), WBEM_S_FALSE);
+    EXPECT_EQ(object, untouched);
+    EXPECT_EQ(returned, 0U);
+}
+
 TEST_F(InstrumentationTest, Fault_QueryWithSuccess_GivesNoEnumerator) {
     host().addFault({L"IWbemServices", L"ExecQuery", L"disk", L"", 1, 1, S_OK});
     IEnumWbemClassObject* results = reinterpret_cast<IEnumWbemClassObject*>(8);

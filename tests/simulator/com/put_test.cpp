@@ -224,6 +224,16 @@ TEST_F(PutTest, Arrays_AgainstScalars_TypeMismatch) {
     EXPECT_EQ(put(L"Bytes", std::move(noArray)), wbem(WBEM_E_TYPE_MISMATCH));
 }
 
+TEST_F(PutTest, Arrays_OfWideElementsOrByReference_TypeMismatch) {
+    DECIMAL wide{};
+    EXPECT_EQ(put(L"Longs", arrayOf(VT_DECIMAL, {&wide})), wbem(WBEM_E_TYPE_MISMATCH));
+    OwnedVariant array = arrayOf(VT_UI1, {});
+    VARIANT byReference{};
+    byReference.vt = VT_ARRAY | VT_UI1 | VT_BYREF;
+    byReference.pparray = &array->parray;
+    EXPECT_EQ(target_->Put(L"Bytes", 0, &byReference, 0), wbem(WBEM_E_TYPE_MISMATCH));
+}
+
 TEST_F(PutTest, Arrays_EmptyOnesOfVariants_AreEmpty) {
     EXPECT_EQ(put(L"Bytes", arrayOf(VT_VARIANT, {})), S_OK);
     OwnedVariant bytes = get(*target_, L"Bytes");
