@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "frame/error_log.h"
+#include "luns/path_identifier.h"
 #include "quista/status.h"
 #include "wmi/instance_names.h"
 #include "wmi/property.h"
@@ -34,8 +35,7 @@ struct LunPaths {
             // Not checked: an identifier that cannot be read is 0.
             UniqueVariant value;
             static_cast<void>(getProperty(objects.at(i), L"DsmId", value));
-            const auto dsmId = static_cast<std::int32_t>(value.rawLong());
-            if (static_cast<std::uint64_t>(static_cast<std::int64_t>(dsmId)) == pathId) return true;
+            if (pathIdentifierOf(value.rawLong()) == pathId) return true;
         }
         return false;
     }

@@ -7,6 +7,7 @@
 
 #include "frame/error_log.h"
 #include "frame/guard.h"
+#include "luns/path_identifier.h"
 #include "quista/frame.h"
 #include "quista/luns.h"
 #include "wmi/property.h"
@@ -20,12 +21,10 @@ namespace {
 // Kept: the properties of a path report under the place of the LUN's path count.
 constexpr const wchar_t* kPathPlace = L"IsLastPath: NumberOfPaths";
 
-/// The identifier that callers pass: the path's signed 32-bit DsmId, widened with its sign.
 bool readIdentifier(IWbemClassObject* path, std::uint64_t& identifier) {
     UniqueVariant value;
     if (getOrLog(path, L"DsmId", value, kPathPlace) != S_OK) return false;
-    const auto dsmId = static_cast<std::int32_t>(value.rawLong());
-    identifier = static_cast<std::uint64_t>(static_cast<std::int64_t>(dsmId));
+    identifier = pathIdentifierOf(value.rawLong());
     return true;
 }
 
