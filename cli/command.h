@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "cli/fields.h"
@@ -29,6 +30,7 @@ class Command {
     Command(const Command&) = delete;
     Command& operator=(const Command&) = delete;
 
+    /// One word, or a group and an action: "path disable".
     virtual const char* name() const = 0;
     /// One line for the list of commands.
     virtual const char* summary() const = 0;
@@ -51,9 +53,14 @@ using Commands = std::vector<std::unique_ptr<Command>>;
 /// All commands of the tool, in the order of --help.
 Commands makeCommands();
 
+/// The line that a group of commands has in the list of commands.
+const char* groupSummary(std::string_view group);
+
+std::unique_ptr<Command> makeStatusCommand();
 std::unique_ptr<Command> makeLunsCommand();
 std::unique_ptr<Command> makeLunCommand();
 std::unique_ptr<Command> makePathsCommand();
+std::unique_ptr<Command> makeDisksCommand();
 std::unique_ptr<Command> makeErrorsCommand();
 
 }  // namespace quista::cli

@@ -124,7 +124,8 @@ std::string footerOf(const Command& command) {
 
 CommandLine::CommandLine()
     : commands_(makeCommands()),
-      app_(std::make_unique<CLI::App>("Inspects multipath storage on Windows.", "quistactl")) {
+      app_(std::make_unique<CLI::App>("Shows and steers multipath storage on Windows.",
+                                      "quistactl")) {
     app_->set_version_flag("--version", fmt::format("quistactl {}", kToolVersion), "Print version");
     app_->set_help_flag("-h,--help", "Print help");
     app_->allow_windows_style_options(false);
@@ -140,12 +141,28 @@ CommandLine::CommandLine()
 CommandLine::~CommandLine() = default;
 
 void CommandLine::declareCommand(Command& command) {
-    CLI::App* app = app_->add_subcommand(command.name(), command.summary());
+    const std::string name = command.name();
+    const std::size_t blank = name.find(' ');
+    CLI::App& parent = blank == std::string::npos ? *app_ : groupOf(name.substr(0, blank));
+    const std::string word = blank == std::string::npos ? name : name.substr(blank + 1);
+    CLI::App* app = parent.add_subcommand(word, command.summary());
     app->allow_windows_style_options(false);
     app->allow_extras();
     app->footer(footerOf(command));
     command.declare(*app);
     declareOptions(*app, options_);
+}
+
+CLI::App& CommandLine::groupOf(const std::string& name) {
+    CLI::App*& group = groups_[name];
+    if (group != nullptr) return *group;
+    group = app_->add_subcommand(name, groupSummary(name));
+    group->allow_windows_style_options(false);
+    group->allow_extras();
+    group->require_subcommand(0, 1);
+    group->footer(fmt::format("quistactl {} ACTION --help shows an example of each action.", name));
+    declareOptions(*group, options_);
+    return *group;
 }
 
 Command* CommandLine::parse(std::vector<std::string> arguments) {
@@ -167,17 +184,44 @@ Command* CommandLine::parse(std::vector<std::string> arguments) {
     }
     checkLeftovers();
     Command* command = selectedCommand();
-    if (command == nullptr) throw UsageError("no command given" + usageHint());
+    if (command == nullptr) {
+        const std::string group = selectedName();
+        throw UsageError((group.empty() ? "no command given" : group + " needs an action") +
+                         usageHint());
+    }
     return command;
 }
 
+CLI::App& CommandLine::selectedApp() const {
+    CLI::App* app = app_.get();
+    while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
+    return *app;
+}
+
+// As the command is called in commands_; empty when none is selected.
+std::string CommandLine::selectedName() const {
+    std::string name;
+    for (CLI::App* app = &selectedApp(); app != app_.get(); app = app->get_parent()) {
+        name = name.empty() ? app->get_name() : app->get_name() + " " + name;
+    }
+    return name;
+}
+
 Command* CommandLine::selectedCommand() const {
-    const auto selected = app_->get_subcommands();
-    if (selected.empty()) return nullptr;
+    const std::string name = selectedName();
     for (const auto& command : commands_) {
-        if (selected.front()->get_name() == command->name()) return command.get();
+        if (name == command->name()) return command.get();
     }
     return nullptr;
+}
+
+// The commands, or the actions of the selected group.
+std::vector<std::string> CommandLine::expectedWords() const {
+    std::vector<std::string> words;
+    for (const CLI::App* app : selectedApp().get_subcommands(nullptr)) {
+        words.push_back(app->get_name());
+    }
+    return words;
 }
 
 void CommandLine::checkLeftovers() const {
@@ -185,38 +229,37 @@ void CommandLine::checkLeftovers() const {
     std::erase(leftovers, "--");
     if (leftovers.empty()) return;
     const std::string& first = leftovers.front();
-    const Command* command = selectedCommand();
     if (first.size() > 1 && first.front() == '-') {
-        const CLI::App* app = command == nullptr ? app_.get() : app_->get_subcommands().front();
         throw UsageError(fmt::format("unknown option '{}'{}{}", first,
-                                     suggestion(first, optionNames(*app)), usageHint()));
+                                     suggestion(first, optionNames(selectedApp())), usageHint()));
     }
-    if (command != nullptr) {
+    if (selectedCommand() != nullptr) {
         throw UsageError(fmt::format("unexpected argument '{}'{}", first, usageHint()));
     }
-    std::vector<std::string> names;
-    for (const auto& known : commands_) names.emplace_back(known->name());
-    throw UsageError(
-        fmt::format("unknown command '{}'{}{}", first, suggestion(first, names), usageHint()));
+    const bool isInGroup = &selectedApp() != app_.get();
+    throw UsageError(fmt::format("unknown {} '{}'{}{}", isInGroup ? "action" : "command", first,
+                                 suggestion(first, expectedWords()), usageHint()));
 }
 
 // What was expected: the usage of the command, or the commands.
 std::string CommandLine::usageHint() const {
-    const auto selected = app_->get_subcommands();
-    if (selected.empty()) {
-        std::vector<std::string> names;
-        for (const auto& command : commands_) names.emplace_back(command->name());
+    const CLI::App& app = selectedApp();
+    const std::string name = selectedName();
+    if (name.empty()) {
         return fmt::format(" (expected one of the commands {}; see quistactl --help)",
-                           joined(names));
+                           joined(expectedWords()));
     }
-    std::string usage = "quistactl " + selected.front()->get_name();
-    for (const CLI::Option* option : selected.front()->get_options()) {
+    if (selectedCommand() == nullptr) {
+        return fmt::format(" (expected one of the actions {}; see quistactl {} --help)",
+                           joined(expectedWords()), name);
+    }
+    std::string usage = "quistactl " + name;
+    for (const CLI::Option* option : app.get_options()) {
         if (!option->get_positional()) continue;
-        const std::string name = option->get_name(true);
-        usage += option->get_required() ? " " + name : " [" + name + "]";
+        const std::string argument = option->get_name(true);
+        usage += option->get_required() ? " " + argument : " [" + argument + "]";
     }
-    return fmt::format(" (expected {} [OPTIONS]; see quistactl {} --help)", usage,
-                       selected.front()->get_name());
+    return fmt::format(" (expected {} [OPTIONS]; see quistactl {} --help)", usage, name);
 }
 
 bool asksForJson(const std::vector<std::string>& arguments) {

@@ -1,6 +1,7 @@
 // Takes the command line apart.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,7 +28,11 @@ class CommandLine {
 
   private:
     void declareCommand(Command& command);
+    CLI::App& groupOf(const std::string& name);
+    CLI::App& selectedApp() const;
+    std::string selectedName() const;
     Command* selectedCommand() const;
+    std::vector<std::string> expectedWords() const;
     void checkLeftovers() const;
     std::string usageHint() const;
 
@@ -35,6 +40,7 @@ class CommandLine {
     std::string text_;
     Commands commands_;
     std::unique_ptr<CLI::App> app_;
+    std::map<std::string, CLI::App*> groups_;
 };
 
 /// Whether a command line asks for JSON, also when it cannot be parsed.

@@ -112,7 +112,7 @@ TEST_P(WrongArgumentsTest, OneLineSaysWhatWasWrongAndWhatIsExpected) {
 }
 
 const WrongArguments kWrongArguments[] = {
-    {{}, {"no command given", "luns, lun, paths, errors"}},
+    {{}, {"no command given", "status, luns, lun, paths"}},
     {{"--json"}, {"no command given"}},
     {{"lnus"}, {"unknown command 'lnus'", "did you mean 'luns'?"}},
     {{"path"}, {"unknown command 'path'", "did you mean 'paths'?"}},

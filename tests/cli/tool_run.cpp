@@ -17,12 +17,13 @@ std::wstring variable(const wchar_t* name) {
     return text;
 }
 
-// A file beside the current folder, which itself must stay as it is.
+// A file beside the current folder, which itself must stay as it is. A service that the program
+// starts may inherit the file and keep it for good, so no name is used twice.
 std::wstring outputFile(const wchar_t* kind) {
     wchar_t folder[MAX_PATH + 1];
     const DWORD length = GetTempPathW(MAX_PATH + 1, folder);
     return std::wstring(folder, length) + L"quistactl-" + std::to_wstring(GetCurrentProcessId()) +
-           L"-" + kind;
+           L"-" + std::to_wstring(GetTickCount64()) + L"-" + kind;
 }
 
 HANDLE openInherited(const std::wstring& filePath) {
