@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "simulator/com/wbem_result.h"
+#include "simulator/driver/korva_driver.h"
 #include "simulator/driver/prescribed_methods.h"
 #include "simulator/faults/call_trace.h"
 #include "simulator/faults/fault_plan.h"
@@ -40,7 +41,7 @@ struct Host {
     FaultPlan faults;
     CallTrace trace;
     NextLimit nextLimit;
-    PrescribedMethods methods{std::make_unique<AgreeableDriver>()};
+    PrescribedMethods methods{std::make_unique<KorvaDriver>()};
     bool unknownClassAtCreation = false;
     HRESULT locatorFailure = S_OK;
     HRESULT compilerFailure = S_OK;

@@ -7,6 +7,7 @@
 #include "simulator/com/embedded_objects.h"
 #include "simulator/com/method_execution.h"
 #include "simulator/com/query_execution.h"
+#include "simulator/driver/put_rules.h"
 #include "simulator/repository/text_case.h"
 
 namespace quista::simulator {
@@ -171,7 +172,7 @@ HRESULT Services::putInstance(const ObjectState& state, LONG flags) {
     if (!mode) return wbem(WBEM_E_INVALID_PARAMETER);
     if (!state.isInstance()) return wbem(WBEM_E_INVALID_OBJECT);
     if (hasForbiddenNull(*state.instance)) return wbem(WBEM_E_ILLEGAL_NULL);
-    return wbem(repository().putInstance(nameSpace_, *state.instance, *mode));
+    return putByRules(repository(), nameSpace_, *state.instance, *mode);
 }
 
 HRESULT STDMETHODCALLTYPE Services::DeleteInstance(const BSTR text, LONG, IWbemContext*,

@@ -35,7 +35,8 @@ class DriverMethods {
 };
 
 /// A driver to which every request is fine: it changes nothing and every out-parameter is 0, FALSE,
-/// empty text, or NULL where the type has no such value.
+/// empty text, or NULL where the type has no such value. It stands behind the methods of classes
+/// that no simulated driver knows.
 class AgreeableDriver final : public DriverMethods {
   public:
     MethodOutcome execute(const MethodCall& call) override;

@@ -10,13 +10,13 @@
 namespace quista::simulator {
 namespace {
 
-HRESULT setParameter(CimInstance& parameters, std::wstring_view name, const VARIANT& value) {
-    const CimProperty* parameter = parameters.definition().findProperty(name);
-    if (parameter == nullptr) return wbem(WBEM_E_NOT_FOUND);
-    std::optional<CimValue> converted = fromVariant(value, parameter->type);
-    if (!converted) return wbem(WBEM_E_TYPE_MISMATCH);
-    const bool isSet = parameters.set(name, std::move(*converted)) == CimInstance::SetResult::done;
-    return isSet ? S_OK : wbem(WBEM_E_TYPE_MISMATCH);
+HRESULT setParameter(CimInstance& parameters, const MethodResult& result) {
+    if (parameters.definition().findProperty(result.outParameter) == nullptr) {
+        return wbem(WBEM_E_NOT_FOUND);
+    }
+    if (!result.value) return wbem(WBEM_E_TYPE_MISMATCH);
+    const CimInstance::SetResult isSet = parameters.set(result.outParameter, *result.value);
+    return isSet == CimInstance::SetResult::done ? S_OK : wbem(WBEM_E_TYPE_MISMATCH);
 }
 
 }  // namespace
@@ -34,17 +34,32 @@ void PrescribedMethods::prescribeNoOutput(std::wstring_view className, std::wstr
     prescriptions_.push_back({std::wstring(className), std::wstring(method), {}, {}});
 }
 
-MethodOutcome PrescribedMethods::execute(const MethodCall& call) {
-    MethodOutcome outcome = driver_->execute(call);
+/// What the host prescribes, and then what tests do: the latter has the last word.
+std::vector<MethodResult> PrescribedMethods::resultsFor(const MethodCall& call) const {
+    std::vector<MethodResult> results = hostResultsFor(call);
+    const CimClassPtr signature = outSignature(call.method);
     for (const Prescription& prescription : prescriptions_) {
-        if (FAILED(outcome.result)) break;
         if (!call.definition.isA(prescription.className)) continue;
         if (!equalNoCase(prescription.method, call.method.name)) continue;
-        if (prescription.outParameter.empty()) {
+        const CimProperty* parameter =
+            signature != nullptr ? signature->findProperty(prescription.outParameter) : nullptr;
+        MethodResult& result = results.emplace_back(MethodResult{prescription.outParameter, {}});
+        if (parameter != nullptr) result.value = fromVariant(*prescription.value, parameter->type);
+    }
+    return results;
+}
+
+MethodOutcome PrescribedMethods::execute(const MethodCall& call) {
+    const std::vector<MethodResult> results = resultsFor(call);
+    // A driver that refuses changes nothing.
+    MethodOutcome outcome =
+        holdRefusal(results) ? AgreeableDriver().execute(call) : driver_->execute(call);
+    for (const MethodResult& result : results) {
+        if (FAILED(outcome.result)) break;
+        if (result.outParameter.empty()) {
             outcome.outParameters.reset();
         } else if (outcome.outParameters) {
-            outcome.result = setParameter(*outcome.outParameters, prescription.outParameter,
-                                          *prescription.value);
+            outcome.result = setParameter(*outcome.outParameters, result);
         }
     }
     return outcome;

@@ -1,4 +1,5 @@
-// What tests prescribe for the outcome of WMI methods, in place of what the driver makes of them.
+// What tests and hosts prescribe for the outcome of WMI methods, in place of what the driver makes
+// of them.
 #pragma once
 
 #include <windows.h>
@@ -10,10 +11,12 @@
 
 #include "simulator/com/owned_variant.h"
 #include "simulator/driver/driver_methods.h"
+#include "simulator/driver/method_results.h"
 
 namespace quista::simulator {
 
 /// Lets the driver carry a method out and then puts prescribed out-parameters in place of its own.
+/// Where a refusal is prescribed the driver is not asked.
 class PrescribedMethods final : public DriverMethods {
   public:
     explicit PrescribedMethods(std::unique_ptr<DriverMethods> driver);
@@ -35,6 +38,8 @@ class PrescribedMethods final : public DriverMethods {
         std::wstring outParameter;  ///< empty: no out object
         OwnedVariant value;
     };
+
+    std::vector<MethodResult> resultsFor(const MethodCall& call) const;
 
     std::unique_ptr<DriverMethods> driver_;
     std::vector<Prescription> prescriptions_;
