@@ -31,11 +31,13 @@ linger_wine() {
     "$root/scripts/wine" cmd /c exit >/dev/null 2>&1 </dev/null || true
 }
 
-# Keeps one Wine program running until the script ends, and Wine's services with it: a test that had
-# to start them would hand them its output, and ctest would wait for them to close it.
+# Keeps one Wine program running until the script ends, and with it Wine's services and desktop,
+# which the second program brings up: a test that had to start them would hand them its output, and
+# ctest would wait for them to close it.
 hold_wine() {
     setsid bash -c "sleep 3600 | '$root/scripts/wine' cmd.exe" >/dev/null 2>&1 </dev/null &
     local holder=$!
     # shellcheck disable=SC2064
     trap "kill -- -$holder 2>/dev/null || true" EXIT
+    "$root/scripts/wine" wmic os get version >/dev/null 2>&1 </dev/null || true
 }
