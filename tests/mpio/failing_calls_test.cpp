@@ -1,99 +1,20 @@
 // Every WMI call of the exports fails in turn, with results of all kinds: whatever is not S_OK is a
 // failure, and each leaves the lines, status and objects of its step.
-#include <algorithm>
-#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/mpio/mpio_test.h"
+#include "tests/mpio/each_call_fails.h"
 
 namespace quista::test {
 namespace {
 
-using simulator::CallRecord;
-using simulator::LiveObjects;
-
-/// Stands in an expected log for the result of the call that failed.
-constexpr unsigned long kResult = 0xFFFFFFFF;
-
-struct Outcome {
-    unsigned long status = 0;
-    LogLines log;
-    LiveObjects kept;
-};
-
-/// Failures, successes that deliver nothing, and codes with a text of the system's.
-const unsigned long kResults[] = {0x80004005, 0x80041001, 0x80041002, 0x800706BA, 0x80070005,
-                                  0xC0000001, 1,          2,          0x40004,    0x40005};
-
-/// The general error is never logged, but as the result of Next it is the end of an enumeration.
-LogLines withResult(const LogLines& lines, unsigned long result) {
-    LogLines expected;
-    for (LogLine line : lines) {
-        if (line.code == kResult) line.code = result;
-        const bool isNext = line.place.ends_with("::Next");
-        if (line.code != DSM_ERROR || isNext) expected.push_back(line);
-    }
-    return expected;
-}
-
-bool isSameCall(const CallRecord& left, const CallRecord& right) {
-    return left.interfaceName == right.interfaceName && left.method == right.method &&
-           left.className == right.className && left.detail == right.detail;
-}
-
-LiveObjects operator+(const LiveObjects& left, const LiveObjects& right) {
-    return {left.locators + right.locators, left.services + right.services,
-            left.enumerators + right.enumerators, left.objects + right.objects,
-            left.compilers + right.compilers};
-}
-
-class FailingCallsTest : public MpioTest {
+class FailingCallsTest : public EachCallFailsTest {
   protected:
     FailingCallsTest() {
         host.add(diskInfo({drive(L"s-1"), drive(L"s-2")}));
         host.add(descriptor(L"disk0", {path(1), path(2)}));
         host.add(descriptor(L"disk1", {path(3), path(4)}));
         openSession();
-    }
-
-    using Export = std::function<unsigned long()>;
-    /// What happens when the `occurrence`th such call fails.
-    using Expectation = std::function<Outcome(const std::wstring& call, unsigned occurrence)>;
-
-    void failEachCall(const Export& run, const Expectation& expected) {
-        host->clearTrace();
-        EXPECT_EQ(run(), DSM_SUCCESS);
-        const std::vector<CallRecord> clean = host->trace();
-        for (std::size_t i = 0; i < clean.size(); ++i) {
-            const auto occurrence = static_cast<unsigned>(
-                std::count_if(clean.begin(), clean.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                              [&](const CallRecord& call) { return isSameCall(call, clean[i]); }));
-            const Outcome outcome = expected(callText(clean[i]), occurrence);
-            for (const unsigned long result : kResults) {
-                SCOPED_TRACE(testing::Message() << "occurrence " << occurrence << " of "
-                                                << testing::PrintToString(callText(clean[i]))
-                                                << " gives 0x" << std::hex << result);
-                failCall(clean[i], occurrence, result);
-                check(run, outcome, result);
-            }
-        }
-    }
-
-  private:
-    void failCall(const CallRecord& call, unsigned occurrence, unsigned long result) {
-        const std::wstring property = call.method == L"Get" ? call.detail : L"";
-        host->clearFaults();
-        host.fail(call.interfaceName, call.method, asResult(result), call.className, property,
-                  occurrence, 1);
-    }
-
-    void check(const Export& run, const Outcome& outcome, unsigned long result) {
-        log.clear();
-        const LiveObjects before = host->liveObjects();
-        EXPECT_EQ(run(), outcome.status);
-        EXPECT_EQ(log.lines(), withResult(outcome.log, result));
-        EXPECT_EQ(host->liveObjects(), before + outcome.kept);
     }
 };
 
