@@ -72,4 +72,13 @@ HRESULT STDMETHODCALLTYPE RecordedServices::ExecMethod(const BSTR path, const BS
     return outcome;
 }
 
+HRESULT STDMETHODCALLTYPE RecordedServices::PutInstance(IWbemClassObject* instance, LONG flags,
+                                                        IWbemContext* context,
+                                                        IWbemCallResult** result) {
+    EXPECT_EQ(context, nullptr);
+    EXPECT_EQ(result, nullptr);
+    calls_.push_back({L"PutInstance", L"", L"", flags, mofOf(instance), L""});
+    return connection_->PutInstance(instance, flags, context, result);
+}
+
 }  // namespace quista::test

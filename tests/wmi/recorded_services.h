@@ -16,7 +16,7 @@ struct ServiceCall {
     std::wstring target;  ///< class, query or object path
     std::wstring detail;  ///< query language or WMI method
     LONG flags = 0;
-    std::wstring input;   ///< MOF text of the in-parameters; empty when there are none
+    std::wstring input;   ///< MOF text of the in-parameters or of the instance; empty without
     std::wstring output;  ///< MOF text of the out-parameters that came back
 
     bool operator==(const ServiceCall&) const = default;
@@ -55,6 +55,9 @@ class RecordedServices final : public IWbemServices {
                                          IWbemClassObject** output,
                                          IWbemCallResult** result) override;
 
+    HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject* instance, LONG flags,
+                                          IWbemContext* context, IWbemCallResult** result) override;
+
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
     ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
@@ -92,10 +95,6 @@ class RecordedServices final : public IWbemServices {
     }
     HRESULT STDMETHODCALLTYPE CreateClassEnumAsync(const BSTR, LONG, IWbemContext*,
                                                    IWbemObjectSink*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject*, LONG, IWbemContext*,
-                                          IWbemCallResult**) override {
         return E_NOTIMPL;
     }
     HRESULT STDMETHODCALLTYPE PutInstanceAsync(IWbemClassObject*, LONG, IWbemContext*,
