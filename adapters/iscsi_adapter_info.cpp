@@ -88,14 +88,14 @@ std::wstring addressOfSession(const iscsi::RecordBuffer<iscsi::Session>& session
     return address;
 }
 
-/// Writes a text into a buffer of 256 bytes, cut so that its terminator fits; an empty text leaves
-/// the buffer alone.
+/// Writes a text into a buffer of 256 bytes, without a terminator when it fills all of them; an
+/// empty text leaves the buffer alone.
 void writeText(const std::wstring& text, char* buffer) {
     if (text.empty() || buffer == nullptr) return;
     const std::string bytes = toAnsi(text);
-    const std::size_t length = std::min(bytes.size(), kAdapterTextBytes - 1);
+    const std::size_t length = std::min(bytes.size(), kAdapterTextBytes);
     std::memcpy(buffer, bytes.data(), length);
-    buffer[length] = '\0';
+    if (length < kAdapterTextBytes) buffer[length] = '\0';
 }
 
 int failed(const wchar_t* place) {

@@ -33,8 +33,9 @@ unsigned long GetISCSIAdapterInfoEx(unsigned long portNumber, unsigned long busN
 }  // extern "C"
 
 /// Finds the iSCSI session that carries a path, given the path's SCSI address.
-/// @param hbaAddress receives the initiator's network address; at least 256 bytes; left alone when
-///                   no session carries the path
+/// @param hbaAddress receives the initiator's network address; at least 256 bytes, of which a text
+///                   of that length leaves none for a terminator; left alone when no session
+///                   carries the path
 /// @param hbaName    receives the initiator adapter's name; at least 256 bytes; left alone when no
 ///                   mapping matches
 /// @return 0; -1 without active target mappings; -4 when the discovery library fails
