@@ -63,4 +63,7 @@ std::unique_ptr<Command> makePathsCommand();
 std::unique_ptr<Command> makeDisksCommand();
 std::unique_ptr<Command> makeErrorsCommand();
 
+// Commands of a group, in the order of its --help.
+void addPathCommands(Commands& commands);
+
 }  // namespace quista::cli

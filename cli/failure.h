@@ -1,10 +1,13 @@
 // The tool's own exception: why a command cannot go on.
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "cli/exit_code.h"
+#include "cli/report.h"
 #include "quista/status.h"
 
 namespace quista::cli {
@@ -21,11 +24,15 @@ class Failure : public std::runtime_error {
     unsigned long status() const { return status_; }
     /// What the user can do; may be empty.
     const std::string& hint() const { return hint_; }
+    /// The step that the library's log names, where it names one.
+    const std::optional<FailedStep>& step() const { return step_; }
+    void setStep(std::optional<FailedStep> step) { step_ = std::move(step); }
 
   private:
     ExitCode exitCode_;
     unsigned long status_;
     std::string hint_;
+    std::optional<FailedStep> step_;
 };
 
 /// Wrong arguments: one line that says what was wrong and what was expected.

@@ -68,6 +68,11 @@ std::string_view severityName(Severity severity) {
 Json messageJson(const Message& message) {
     Json object = {{"severity", severityName(message.severity)}, {"text", message.text}};
     if (message.status != DSM_SUCCESS) object["status"] = statusJson(message.status);
+    if (message.step) {
+        object["failedStep"] = {{"place", message.step->place},
+                                {"code", message.step->code},
+                                {"name", statusName(message.step->code)}};
+    }
     if (!message.hint.empty()) object["hint"] = message.hint;
     return object;
 }

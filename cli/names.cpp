@@ -84,6 +84,10 @@ std::string systemText(std::uint32_t code) {
     return line;
 }
 
+std::span<const NamedCode> policyNames() {
+    return kPolicies;
+}
+
 std::string_view policyName(std::uint32_t policy) {
     return knownName(kPolicies, policy);
 }

@@ -18,6 +18,9 @@ std::span<const NamedCode> statusCodes();
 /// WMI's published result codes.
 std::span<const NamedCode> wmiCodes();
 
+/// MPIO's load-balance policies, by number.
+std::span<const NamedCode> policyNames();
+
 /// The name of a code in a table, empty when it has none.
 std::string_view nameIn(std::span<const NamedCode> codes, std::uint32_t code);
 

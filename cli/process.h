@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "cli/output.h"
@@ -18,6 +19,8 @@ struct Process {
     std::wstring folder;
     /// Ends the process at once, whatever its other threads are doing.
     std::function<void(int exitCode)> end;
+    /// Puts a question to the user; no answer where nobody sits at a console. May be empty.
+    std::function<std::optional<bool>(const std::string& question)> ask{};
 };
 
 /// The process as it is: the folder of its program, and the system's way to end it.

@@ -7,7 +7,7 @@ namespace quista::cli {
 
 void Report::add(Severity severity, std::string text, unsigned long messageStatus,
                  std::string hint) {
-    messages.push_back({severity, std::move(text), messageStatus, std::move(hint)});
+    messages.push_back({severity, std::move(text), messageStatus, std::move(hint), {}});
 }
 
 void Report::fail(ExitCode code, unsigned long failureStatus) {

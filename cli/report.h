@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -70,12 +71,19 @@ struct Section {
 
 enum class Severity { kInfo, kWarning, kError };
 
+/// The step that a call of the library failed in, as its log names it.
+struct FailedStep {
+    std::string place;
+    std::uint32_t code = 0;
+};
+
 /// Goes to standard error, and into the JSON document.
 struct Message {
     Severity severity = Severity::kError;
     std::string text;
     unsigned long status = DSM_SUCCESS;  ///< the library's status behind it, if any
     std::string hint;                    ///< what the user can do; may be empty
+    std::optional<FailedStep> step{};
 };
 
 struct Report {

@@ -35,6 +35,7 @@ int emit(const Report& report, const Options& options, const Streams& streams) {
 
 void addFailure(Report& report, const Failure& failure) {
     report.add(Severity::kError, failure.what(), failure.status(), failure.hint());
+    report.messages.back().step = failure.step();
     report.exitCode = failure.exitCode();
     report.status = failure.status();
 }

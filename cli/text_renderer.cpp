@@ -284,6 +284,11 @@ std::string renderMessages(const Report& report, bool hasColor) {
         const Tone tone = message.severity == Severity::kWarning ? Tone::kWarning : Tone::kBad;
         const std::string severity = colored(severityName(message.severity), colorOf(tone), style);
         text += fmt::format("quistactl: {}{}\n", severity, line);
+        if (message.step) {
+            text += fmt::format("  failed step in MPIOlog.dat: {} ({}, 0x{:08x})\n",
+                                printable(message.step->place), statusName(message.step->code),
+                                message.step->code);
+        }
         if (!message.hint.empty()) text += fmt::format("  {}\n", printable(message.hint));
     }
     return text;

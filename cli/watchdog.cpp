@@ -7,8 +7,8 @@ namespace quista::cli {
 Watchdog::Watchdog(std::optional<std::chrono::milliseconds> limit, Expired expired)
     : expired_(std::move(expired)) {
     if (!limit) return;
-    const auto deadline = std::chrono::steady_clock::now() + *limit;
-    thread_ = std::thread([this, deadline] { watch(deadline); });
+    deadline_ = std::chrono::steady_clock::now() + *limit;
+    thread_ = std::thread([this] { watch(); });
 }
 
 Watchdog::~Watchdog() {
@@ -36,15 +36,37 @@ void Watchdog::check() {
     if (isOver_) throw TimedOut(call_);
 }
 
+void Watchdog::pause() {
+    const std::lock_guard lock(mutex_);
+    isPaused_ = true;
+    pausedAt_ = std::chrono::steady_clock::now();
+    changed_.notify_all();
+}
+
+void Watchdog::resume() {
+    const std::lock_guard lock(mutex_);
+    isPaused_ = false;
+    deadline_ += std::chrono::steady_clock::now() - pausedAt_;
+    changed_.notify_all();
+}
+
 // Past the deadline the next call that runs is the overdue one. The lock is held while it is
 // reported, so that the call cannot return in between and print a second result.
-void Watchdog::watch(std::chrono::steady_clock::time_point deadline) {
+void Watchdog::watch() {
     std::unique_lock lock(mutex_);
-    if (changed_.wait_until(lock, deadline, [this] { return isStopping_; })) return;
-    changed_.wait(lock, [this] { return isStopping_ || !call_.empty(); });
-    if (isStopping_) return;
-    isOver_ = true;
-    expired_(call_);
+    while (!isStopping_) {
+        if (isPaused_) {
+            changed_.wait(lock);
+        } else if (std::chrono::steady_clock::now() < deadline_) {
+            changed_.wait_until(lock, deadline_);
+        } else if (call_.empty()) {
+            changed_.wait(lock);
+        } else {
+            isOver_ = true;
+            expired_(call_);
+            return;
+        }
+    }
 }
 
 }  // namespace quista::cli

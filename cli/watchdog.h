@@ -42,6 +42,18 @@ class Watchdog {
         return result;
     }
 
+    /// Stops the clock while it lives, outside of any call.
+    class Pause {
+      public:
+        explicit Pause(Watchdog& owner) : owner_(owner) { owner_.pause(); }
+        ~Pause() { owner_.resume(); }
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+      private:
+        Watchdog& owner_;
+    };
+
   private:
     /// A call while it runs.
     class Running {
@@ -59,12 +71,17 @@ class Watchdog {
     void begin(const char* call);
     void end();
     void check();
-    void watch(std::chrono::steady_clock::time_point deadline);
+    void pause();
+    void resume();
+    void watch();
 
     Expired expired_;
     std::mutex mutex_;
     std::condition_variable changed_;
     std::string call_;  ///< the running call, empty between calls
+    std::chrono::steady_clock::time_point deadline_;
+    std::chrono::steady_clock::time_point pausedAt_;
+    bool isPaused_ = false;
     bool isOver_ = false;
     bool isStopping_ = false;
     std::thread thread_;

@@ -9,11 +9,13 @@ Commands makeCommands() {
     commands.push_back(makeLunCommand());
     commands.push_back(makePathsCommand());
     commands.push_back(makeDisksCommand());
+    addPathCommands(commands);
     commands.push_back(makeErrorsCommand());
     return commands;
 }
 
-const char* groupSummary(std::string_view) {
+const char* groupSummary(std::string_view group) {
+    if (group == "path") return "Steer one path";
     return "";
 }
 

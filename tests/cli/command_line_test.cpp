@@ -10,6 +10,12 @@ namespace {
 
 using testing::HasSubstr;
 
+std::vector<std::string> wordsOf(const std::string& name) {
+    const std::size_t blank = name.find(' ');
+    if (blank == std::string::npos) return {name};
+    return {name.substr(0, blank), name.substr(blank + 1)};
+}
+
 struct Parsed {
     std::string command;
     Options options;
@@ -79,7 +85,11 @@ TEST(CommandLineTest, VersionIsTextAlone) {
 
 TEST(CommandLineTest, HelpListsEveryCommandAndOption) {
     const std::string help = parse({"--help"}).text;
-    for (const auto& command : makeCommands()) EXPECT_THAT(help, HasSubstr(command->summary()));
+    for (const auto& command : makeCommands()) {
+        const auto words = wordsOf(command->name());
+        EXPECT_THAT(
+            help, HasSubstr(words.size() == 1 ? command->summary() : groupSummary(words.front())));
+    }
     for (const char* option : {"--simulate", "--json", "--no-headers", "--color", "--timeout"}) {
         EXPECT_THAT(help, HasSubstr(option));
     }
@@ -87,7 +97,9 @@ TEST(CommandLineTest, HelpListsEveryCommandAndOption) {
 
 TEST(CommandLineTest, HelpOfEveryCommandHasAnExampleAndItsFields) {
     for (const auto& command : makeCommands()) {
-        const std::string help = parse({command->name(), "--help"}).text;
+        std::vector<std::string> arguments = wordsOf(command->name());
+        arguments.emplace_back("--help");
+        const std::string help = parse(arguments).text;
         EXPECT_THAT(help, HasSubstr("Example:\n  quistactl "));
         EXPECT_THAT(help, HasSubstr(command->example()));
         EXPECT_FALSE(command->fields().empty());
@@ -115,7 +127,23 @@ const WrongArguments kWrongArguments[] = {
     {{}, {"no command given", "status, luns, lun, paths"}},
     {{"--json"}, {"no command given"}},
     {{"lnus"}, {"unknown command 'lnus'", "did you mean 'luns'?"}},
-    {{"path"}, {"unknown command 'path'", "did you mean 'paths'?"}},
+    {{"pathes"}, {"unknown command 'pathes'", "did you mean 'paths'?"}},
+    {{"path"}, {"path needs an action (expected one of the actions activate, passivate"}},
+    {{"path", "disabel"}, {"unknown action 'disabel'", "did you mean 'disable'?"}},
+    {{"path", "luns"}, {"unknown action 'luns'"}},
+    {{"path", "disable"}, {"ID is required", "expected quistactl path disable ID [OPTIONS]"}},
+    {{"path", "disable", ""}, {"ID", "''"}},
+    {{"path", "disable", "twelve"}, {"ID", "'twelve'", "decimal or 0x"}},
+    {{"path", "disable", "0x1FFFFFFFF"}, {"ID", "32 bits"}},
+    {{"path", "disable", "-2147483649"}, {"ID", "'-2147483649'"}},
+    {{"path", "disable", "4294967296"}, {"ID", "'4294967296'"}},
+    {{"path", "disable", "1", "2"}, {"unexpected argument '2'"}},
+    {{"path", "enable", "1", "--force"}, {"unknown option '--force'"}},
+    {{"path", "enable", "1", "--yes"}, {"unknown option '--yes'"}},
+    {{"path", "disable", "1", "--dryrun"}, {"'--dryrun'", "did you mean '--dry-run'?"}},
+    {{"path", "weight", "1"}, {"N is required", "expected quistactl path weight ID N"}},
+    {{"path", "weight", "1", "-1"}, {"N", "'-1'"}},
+    {{"path", "weight", "1", "heavy"}, {"N", "'heavy'", "0 to 4294967295"}},
     {{"quite-another"}, {"unknown command 'quite-another' (expected one of"}},
     {{"LUNS"}, {"unknown command 'LUNS'"}},
     {{"luns", "extra"}, {"unexpected argument 'extra'", "expected quistactl luns [OPTIONS]"}},

@@ -358,10 +358,27 @@ TEST_F(ErrorsTest, NarrowTerminalBreaksTheTexts) {
 
 class EveryCommandTest : public ToolTest, public testing::WithParamInterface<const char*> {};
 
-// What stands for the arguments of a command that needs some.
+struct NeededArguments {
+    const char* command;
+    std::vector<std::string> values;
+};
+
+// What a command that needs arguments gets.
+const NeededArguments kNeededArguments[] = {
+    {"lun", {"kvA7r2Qm9T01"}},       {"path activate", {"0x101"}}, {"path passivate", {"0x103"}},
+    {"path enable", {"0x101"}},      {"path disable", {"0x101"}},  {"path refresh", {"0x101"}},
+    {"path weight", {"0x101", "0"}},
+};
+
 std::vector<std::string> commandLine(const cli::Command& command, const std::string& host) {
-    std::vector<std::string> arguments = {command.name(), "--simulate", host};
-    if (command.name() == std::string("lun")) arguments.emplace_back("kvA7r2Qm9T01");
+    const std::string name = command.name();
+    const std::size_t blank = name.find(' ');
+    std::vector<std::string> arguments = {name.substr(0, blank)};
+    if (blank != std::string::npos) arguments.push_back(name.substr(blank + 1));
+    for (const auto& [needing, values] : kNeededArguments) {
+        if (name == needing) arguments.insert(arguments.end(), values.begin(), values.end());
+    }
+    arguments.insert(arguments.end(), {"--simulate", host});
     return arguments;
 }
 

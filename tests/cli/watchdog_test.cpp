@@ -38,6 +38,15 @@ TEST(WatchdogTest, CallAfterTheDeadlineIsOverdueAtOnce) {
     EXPECT_THROW(watchdog.guard("Late", [&] { return reported.wait_for(60s); }), TimedOut);
 }
 
+TEST(WatchdogTest, PauseStopsTheClock) {
+    Watchdog watchdog(200ms, [](const std::string&) { ADD_FAILURE() << "nothing is overdue"; });
+    {
+        const Watchdog::Pause pause(watchdog);
+        std::this_thread::sleep_for(400ms);
+    }
+    EXPECT_EQ(watchdog.guard("Fast", [] { return 42; }), 42);
+}
+
 TEST(WatchdogTest, WithoutLimitNothingIsOverdue) {
     Watchdog watchdog(std::nullopt, [](const std::string&) { ADD_FAILURE(); });
     EXPECT_EQ(watchdog.guard("Slow",
