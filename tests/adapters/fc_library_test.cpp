@@ -1,13 +1,26 @@
 // Loading the HBA API library: once per lookup, whole or not at all.
 #include "tests/adapters/fc_adapter_test.h"
+#include "tests/support/import_patch.h"
 
 namespace quista::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 const FoundAdapter kUnusable{kError, kNothing, kNothing};
+
+const std::vector<std::string> kFunctions = {"HBA_LoadLibrary",
+                                             "HBA_FreeLibrary",
+                                             "HBA_GetNumberOfAdapters",
+                                             "HBA_OpenAdapter",
+                                             "HBA_CloseAdapter",
+                                             "HBA_RefreshInformation",
+                                             "HBA_GetAdapterName",
+                                             "HBA_GetAdapterAttributes",
+                                             "HBA_GetAdapterPortAttributes",
+                                             "HBA_GetFcpTargetMapping",
+                                             "HBA_GetPortAttributesByWWN",
+                                             "HBA_SendScsiInquiry"};
 
 const LogLine kLoadFailed{"Load Library failed", DSM_HBA_API_LIBRARY_LOAD_FAILED};
 
@@ -40,26 +53,33 @@ TEST_F(FcLibraryTest, NumbersGoToTheDebuggerAsSignedOnes) {
     EXPECT_EQ(debug.texts().back(), L"Portnum -1 busnum -2147483648 targetnum 0\n");
 }
 
+/// The functions that were looked up, in order.
+std::vector<std::string> gLookedUp;
+
+FARPROC WINAPI recordLookUp(HMODULE module, const char* name) {
+    gLookedUp.emplace_back(name);
+    return GetProcAddress(module, name);
+}
+
+TEST_F(FcLibraryTest, OrderOfResolution) {
+    const HbaLibrary library;
+    const ImportPatch patch("GetProcAddress", recordLookUp);
+    gLookedUp.clear();
+    findFcAdapter(1, 0, 0);
+    EXPECT_EQ(gLookedUp, kFunctions);
+}
+
 /// All functions must be there, those too that are never called. Resolution stops at the first that
 /// is missing: the library is freed when its own function for that was found by then.
 TEST_F(FcLibraryTest, EveryFunctionIsNeeded) {
-    const std::vector<std::string> functions = {"HBA_LoadLibrary",
-                                                "HBA_FreeLibrary",
-                                                "HBA_GetNumberOfAdapters",
-                                                "HBA_OpenAdapter",
-                                                "HBA_CloseAdapter",
-                                                "HBA_RefreshInformation",
-                                                "HBA_GetAdapterName",
-                                                "HBA_GetAdapterAttributes",
-                                                "HBA_GetAdapterPortAttributes",
-                                                "HBA_GetFcpTargetMapping",
-                                                "HBA_GetPortAttributesByWWN",
-                                                "HBA_SendScsiInquiry"};
-    for (std::size_t i = 0; i < functions.size(); ++i) {
-        SCOPED_TRACE("without " + functions[i]);
-        HbaLibrary library(functions[i]);
+    for (std::size_t i = 0; i < kFunctions.size(); ++i) {
+        SCOPED_TRACE("without " + kFunctions[i]);
+        HbaLibrary library(kFunctions[i]);
         library->setAdapters({{"fc-a", {port("\\\\.\\Scsi1:")}, {{0, 0}}}});
+        const ImportPatch patch("GetProcAddress", recordLookUp);
+        gLookedUp.clear();
         EXPECT_EQ(findFcAdapter(1, 0, 0), kUnusable);
+        EXPECT_EQ(gLookedUp.size(), i + 1);
         const bool freed = i >= 2;
         EXPECT_EQ(library->calls(),
                   freed ? std::vector<std::string>{"HBA_FreeLibrary"} : std::vector<std::string>{});
