@@ -6,8 +6,9 @@
 #include <array>
 #include <cstdio>
 #include <iterator>
+#include <memory>
+#include <new>
 #include <string>
-#include <vector>
 
 #include "frame/console.h"
 #include "frame/guard.h"
@@ -29,11 +30,15 @@ bool readVersionResource(const std::wstring& filePath, VS_FIXEDFILEINFO& info) {
     DWORD unused = 0;
     const DWORD size = GetFileVersionInfoSizeW(filePath.c_str(), &unused);
     if (size == 0) return false;
-    std::vector<BYTE> block(static_cast<std::size_t>(size) * 2);
-    if (!GetFileVersionInfoW(filePath.c_str(), 0, size, block.data())) return false;
+    // The file says how large its resource is. When that is too much for the memory, its version is
+    // unreadable like any other, and the files after it are still read.
+    const std::unique_ptr<BYTE[]> block(new (std::nothrow)
+                                            BYTE[static_cast<std::size_t>(size) * 2]);
+    if (block == nullptr) return false;
+    if (!GetFileVersionInfoW(filePath.c_str(), 0, size, block.get())) return false;
     void* root = nullptr;
     UINT length = 0;
-    if (!VerQueryValueW(block.data(), L"\\", &root, &length) || length < sizeof(info)) return false;
+    if (!VerQueryValueW(block.get(), L"\\", &root, &length) || length < sizeof(info)) return false;
     info = *static_cast<const VS_FIXEDFILEINFO*>(root);
     return true;
 }
