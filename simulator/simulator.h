@@ -72,7 +72,8 @@ class Simulator {
     virtual ~Simulator() = default;
 
     /// Loads a MOF file, or one of the sample hosts by name ("standard", "degraded", "empty",
-    /// "bare"), into the repository.
+    /// "bare"), into the repository. LUNs that are added to a host with a running DSM get its
+    /// default policy and its reservation key where they leave their own NULL.
     virtual bool load(const std::wstring& fileOrSample, LoadError& error) = 0;
     /// Loads MOF text; `sourceName` stands for the file name in errors.
     virtual bool loadText(const std::wstring& mof, const std::wstring& sourceName,
@@ -87,7 +88,10 @@ class Simulator {
     /// Takes the registration back. Objects that clients hold stay usable.
     virtual void stop() = 0;
 
-    /// Deletes a class with its subclasses and instances; false when there is none.
+    /// Deletes a class with its subclasses and instances, as a damaged repository loses them; false
+    /// when there is none. Instances of classes with the qualifier WMI, such as the DSM's and
+    /// MPIO's, belong to the drivers: they come back when MOF text with the class is loaded or
+    /// compiled. Until then they are kept in a namespace below root\simulator.
     virtual bool removeClass(const std::wstring& nameSpace, const std::wstring& className) = 0;
     /// Deletes every instance of a class.
     virtual void removeInstances(const std::wstring& nameSpace, const std::wstring& className) = 0;
@@ -103,8 +107,11 @@ class Simulator {
     virtual void addOverride(const ValueOverride& where, const VARIANT& value) = 0;
     /// Forgets faults and overrides.
     virtual void clearFaults() = 0;
-    /// Puts `value` in the place of an out-parameter that the driver would fill (0 by default), in
-    /// the class and its subclasses. A value that the parameter's type cannot take fails the call.
+    /// Puts `value` in the place of an out-parameter that the driver would fill, in the class and
+    /// its subclasses. A value that the parameter's type cannot take fails the call. With a
+    /// refusal, a ReturnCode or Status of 0x40000000 or more, the driver is not asked and nothing
+    /// changes. A host's file can do the same: see Simulator_MethodResult in
+    /// hosts/classes/simulator.mof.
     virtual void setMethodResult(const std::wstring& className, const std::wstring& method,
                                  const std::wstring& outParameter, const VARIANT& value) = 0;
     /// Lets the method succeed without an out object.
@@ -127,6 +134,19 @@ class Simulator {
     /// Switches the trace off and on; load tests do without it.
     virtual void setTracing(bool enabled) = 0;
     virtual LiveObjects liveObjects() const = 0;
+
+    /// Whether `load` takes the text for the name of a sample host.
+    virtual bool isSample(const std::wstring& fileOrSample) const = 0;
+    /// Whether the repository differs from what the last `load` or `save` left.
+    virtual bool isChanged() const = 0;
+    /// Writes the whole host to a MOF file that `load` reads back. The file is replaced as a whole:
+    /// when anything goes wrong in between, the old one stays as it was. Names of sample hosts are
+    /// refused.
+    virtual bool save(const std::wstring& file, LoadError& error) = 0;
+    /// Removes, as `removeClass` does, the classes that a MOF file declares: "korvadsm", "pdo",
+    /// "lbpolicy" or "mpio" of the sample hosts, or a file. The classes that the file builds on
+    /// must be there.
+    virtual bool removeClassesOf(const std::wstring& classFile, LoadError& error) = 0;
 };
 
 /// Makes a simulator with an empty repository (namespaces root\wmi and root\cimv2 exist); a null

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "simulator/driver/mof_arrival.h"
 #include "simulator/mof/mof_reader.h"
 #include "simulator/repository/object_path.h"
 
@@ -62,7 +63,10 @@ HRESULT MofCompiler::compile(const std::wstring& file, std::wstring_view nameSpa
     const MofResult result = MofReader(compiled, source).loadFile(file, target);
     if ((options & WBEM_FLAG_CONSOLE_PRINT) != 0) printResult(file, result);
     if (!result.ok()) return noteError(*result.error, status);
-    if ((options & WBEM_FLAG_CHECK_ONLY) == 0) host()->repository = std::move(compiled);
+    if ((options & WBEM_FLAG_CHECK_ONLY) == 0) {
+        MofArrival(host()->repository).settle(compiled);
+        host()->repository = std::move(compiled);
+    }
     if (result.hasAutoRecover) return S_OK;
     status.lPhaseError = kWarning;
     return kWarning;

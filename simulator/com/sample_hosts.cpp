@@ -24,9 +24,18 @@ std::wstring moduleFolder() {
 
 }  // namespace
 
+bool isBareName(const std::wstring& fileOrName) {
+    return fileOrName.find_first_of(L"\\/.:") == std::wstring::npos;
+}
+
 std::wstring hostFile(const std::wstring& fileOrSample) {
-    if (fileOrSample.find_first_of(L"\\/.:") != std::wstring::npos) return fileOrSample;
-    return moduleFolder() + L"hosts\\" + fileOrSample + L".mof";
+    return isBareName(fileOrSample) ? moduleFolder() + L"hosts\\" + fileOrSample + L".mof"
+                                    : fileOrSample;
+}
+
+std::wstring classFile(const std::wstring& fileOrName) {
+    return isBareName(fileOrName) ? moduleFolder() + L"hosts\\classes\\" + fileOrName + L".mof"
+                                  : fileOrName;
 }
 
 }  // namespace quista::simulator

@@ -7,6 +7,7 @@
 #include "simulator/com/embedded_objects.h"
 #include "simulator/com/method_execution.h"
 #include "simulator/com/query_execution.h"
+#include "simulator/driver/published_classes.h"
 #include "simulator/driver/put_rules.h"
 #include "simulator/repository/text_case.h"
 
@@ -116,7 +117,7 @@ HRESULT STDMETHODCALLTYPE Services::DeleteClass(const BSTR className, LONG, IWbe
     made.className = textOf(className);
     return host()->run(made, [&] {
         if (className == nullptr) return wbem(WBEM_E_INVALID_PARAMETER);
-        return wbem(repository().deleteClass(nameSpace_, className));
+        return wbem(loseClass(repository(), nameSpace_, className));
     });
 }
 

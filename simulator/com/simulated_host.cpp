@@ -3,6 +3,9 @@
 #include <utility>
 
 #include "simulator/com/sample_hosts.h"
+#include "simulator/driver/mof_arrival.h"
+#include "simulator/driver/published_classes.h"
+#include "simulator/mof/mof_file.h"
 #include "simulator/mof/mof_reader.h"
 #include "simulator/mof/mof_source.h"
 #include "simulator/mof/mof_writer.h"
@@ -14,6 +17,18 @@ bool report(const MofResult& result, LoadError& error) {
     if (result.ok()) return true;
     error = {result.error->file, result.error->line, result.error->column, result.error->reason};
     return false;
+}
+
+bool fail(LoadError& error, const std::wstring& file, std::wstring reason) {
+    error = {file, 0, 0, std::move(reason)};
+    return false;
+}
+
+/// A host whose classes miss others that they build on has a text that cannot be read.
+bool readsBack(const std::wstring& text, const Repository& repository) {
+    Repository copy;
+    MofFileSource source;
+    return MofReader(copy, source).loadText(text, L"").ok() && copy == repository;
 }
 
 }  // namespace
@@ -31,14 +46,21 @@ SimulatedHost::~SimulatedHost() {
 bool SimulatedHost::load(const std::wstring& fileOrSample, LoadError& error) {
     MofFileSource source;
     MofReader reader(host_->repository, source);
-    return report(reader.loadFile(hostFile(fileOrSample)), error);
+    const MofArrival arrival(host_->repository);
+    if (!report(reader.loadFile(hostFile(fileOrSample)), error)) return false;
+    arrival.settle(host_->repository);
+    lastSeen_ = host_->repository;
+    return true;
 }
 
 bool SimulatedHost::loadText(const std::wstring& mof, const std::wstring& sourceName,
                              LoadError& error) {
     MofFileSource source;
     MofReader reader(host_->repository, source);
-    return report(reader.loadText(mof, sourceName), error);
+    const MofArrival arrival(host_->repository);
+    if (!report(reader.loadText(mof, sourceName), error)) return false;
+    arrival.settle(host_->repository);
+    return true;
 }
 
 void SimulatedHost::clear() {
@@ -58,7 +80,7 @@ void SimulatedHost::stop() {
 }
 
 bool SimulatedHost::removeClass(const std::wstring& nameSpace, const std::wstring& className) {
-    return host_->repository.deleteClass(nameSpace, className) == RepositoryStatus::ok;
+    return loseClass(host_->repository, nameSpace, className) == RepositoryStatus::ok;
 }
 
 void SimulatedHost::removeInstances(const std::wstring& nameSpace, const std::wstring& className) {
@@ -131,6 +153,36 @@ void SimulatedHost::setTracing(bool enabled) {
 
 LiveObjects SimulatedHost::liveObjects() const {
     return host_->ledger.counts();
+}
+
+bool SimulatedHost::isSample(const std::wstring& fileOrSample) const {
+    return isBareName(fileOrSample);
+}
+
+bool SimulatedHost::isChanged() const {
+    return !(host_->repository == lastSeen_);
+}
+
+bool SimulatedHost::save(const std::wstring& file, LoadError& error) {
+    if (isSample(file)) return fail(error, file, L"sample hosts are never written");
+    const std::wstring text = dump();
+    if (!readsBack(text, host_->repository)) {
+        return fail(error, file, L"the host cannot be written as MOF: classes are missing");
+    }
+    if (std::optional<std::wstring> reason = writeMofFile(file, text)) {
+        return fail(error, file, std::move(*reason));
+    }
+    lastSeen_ = host_->repository;
+    return true;
+}
+
+bool SimulatedHost::removeClassesOf(const std::wstring& classFile, LoadError& error) {
+    MofFileSource source;
+    Repository scratch = host_->repository;
+    const MofResult declared = MofReader(scratch, source).loadFile(simulator::classFile(classFile));
+    if (!report(declared, error)) return false;
+    for (const MofClassName& each : declared.classes) removeClass(each.nameSpace, each.className);
+    return true;
 }
 
 }  // namespace quista::simulator

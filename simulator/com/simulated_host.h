@@ -49,9 +49,15 @@ class SimulatedHost final : public Simulator {
     void setTracing(bool enabled) override;
     LiveObjects liveObjects() const override;
 
+    bool isSample(const std::wstring& fileOrSample) const override;
+    bool isChanged() const override;
+    bool save(const std::wstring& file, LoadError& error) override;
+    bool removeClassesOf(const std::wstring& classFile, LoadError& error) override;
+
   private:
     std::shared_ptr<Host> host_;
     Registration registration_;
+    Repository lastSeen_;  ///< as the last load or save left it
 };
 
 }  // namespace quista::simulator

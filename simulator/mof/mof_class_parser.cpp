@@ -65,6 +65,7 @@ void MofParser::parseClass(Qualifiers qualifiers) {
 void MofParser::storeClass(const CimClass& definition, MofPosition position) {
     const RepositoryStatus status = load_.repository.putClass(load_.nameSpace, definition);
     if (status != RepositoryStatus::ok) tokens_.fail(position, reasonOf(status, definition));
+    load_.classes.push_back({load_.nameSpace, definition.name});
 }
 
 void MofParser::parseFeature(CimClass& definition) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "simulator/mof/mof_literal.h"
+#include "simulator/mof/mof_reader.h"
 #include "simulator/mof/mof_source.h"
 #include "simulator/mof/mof_token_stream.h"
 #include "simulator/repository/repository.h"
@@ -29,6 +30,7 @@ struct MofLoad {
     std::map<std::wstring, MofObject> aliases;  ///< by folded name
     std::set<std::wstring> storedPaths;         ///< of this load's instances, folded
     std::vector<std::wstring> openFiles;        ///< folded paths, outermost first
+    std::vector<MofClassName> classes;          ///< declared so far
     bool hasAutoRecover = false;
 };
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "simulator/mof/mof_source.h"
 #include "simulator/repository/repository.h"
@@ -18,9 +19,15 @@ struct MofError {
     std::wstring reason;
 };
 
+struct MofClassName {
+    std::wstring nameSpace;
+    std::wstring className;
+};
+
 struct MofResult {
     std::optional<MofError> error;
-    bool hasAutoRecover = false;  ///< whether the text holds `#pragma autorecover`
+    bool hasAutoRecover = false;        ///< whether the text holds `#pragma autorecover`
+    std::vector<MofClassName> classes;  ///< those that the text declares, in its order
 
     bool ok() const { return !error.has_value(); }
 };

@@ -15,6 +15,12 @@ std::wstring indexKey(const std::wstring& className, const std::wstring& key) {
     return foldCase(className) + L'.' + key;
 }
 
+/// What two namespaces share need not be compared by content.
+template <class Pointer>
+bool isSame(const Pointer& left, const Pointer& right) {
+    return left == right || *left == *right;
+}
+
 bool isInstanceOf(const CimInstance& instance, std::wstring_view className, bool deep) {
     return deep ? instance.definition().isA(className)
                 : equalNoCase(instance.className(), className);
@@ -273,10 +279,10 @@ void CimNamespace::eraseInstance(Instances::const_iterator position) {
 
 bool CimNamespace::operator==(const CimNamespace& other) const {
     const auto equalClasses = [](const auto& left, const auto& right) {
-        return left.first == right.first && *left.second.definition == *right.second.definition;
+        return left.first == right.first && isSame(left.second.definition, right.second.definition);
     };
     const auto equalInstances = [](const auto& left, const auto& right) {
-        return *left.second.instance == *right.second.instance;
+        return isSame(left.second.instance, right.second.instance);
     };
     return std::equal(classes_.begin(), classes_.end(), other.classes_.begin(),
                       other.classes_.end(), equalClasses) &&
