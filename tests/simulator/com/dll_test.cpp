@@ -69,6 +69,15 @@ class SimulatorDllTest : public ::testing::Test {
     std::unique_ptr<Simulator, Destroyer> simulator_;
 };
 
+TEST_F(SimulatorDllTest, ClassFilesByName_LieBesideTheDll) {
+    LoadError error;
+    ASSERT_TRUE(simulator_->load(L"standard", error));
+    EXPECT_TRUE(simulator_->removeClassesOf(L"korvadsm", error));
+    EXPECT_EQ(simulator_->countInstances(L"root\\wmi", L"KORVADSM_LUNINFO"), 0u);
+    EXPECT_FALSE(simulator_->removeClassesOf(L"nothing", error));
+    EXPECT_TRUE(simulator_->isSample(L"standard"));
+}
+
 TEST_F(SimulatorDllTest, Load_SampleHosts_ByName) {
     for (const wchar_t* name : {L"standard", L"degraded", L"empty", L"bare"}) {
         LoadError error;
