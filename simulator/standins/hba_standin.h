@@ -30,6 +30,10 @@ struct HbaAdapter {
 /// Sets up the stand-in. Adapters have their index plus 1 as their handle.
 class HbaStandin {
   public:
+    /// Takes the adapters of the simulated host that plays WMI in the process: its classes
+    /// Simulator_FcPort and Simulator_FcTarget.
+    /// @return false when there is no such host, or one that knows nothing of adapters
+    virtual bool readHost() = 0;
     virtual void setAdapters(const std::vector<HbaAdapter>& adapters) = 0;
     virtual void prescribe(const Answer& answer) = 0;
     /// The API's calls so far, such as "HBA_GetAdapterPortAttributes 1 0": function, handle, index.

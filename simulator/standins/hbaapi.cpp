@@ -1,9 +1,12 @@
 // The exports of the stand-in hbaapi.dll.
+#include <windows.h>
+
 #include <algorithm>
 #include <cstring>
 
 #include "adapters/hba_api.h"
 #include "simulator/standins/hba_standin.h"
+#include "simulator/standins/host_reader.h"
 
 namespace quista::simulator {
 
@@ -13,8 +16,12 @@ constexpr hba::Status kNotSupported = 2;
 constexpr hba::Status kInvalidHandle = 3;
 constexpr hba::Status kIllegalIndex = 6;
 
+// More than any adapter has; what a host says beyond is a mistake.
+constexpr std::size_t kMaximumPorts = 64;
+
 class HbaHost final : public HbaStandin {
   public:
+    bool readHost() override;
     void setAdapters(const std::vector<HbaAdapter>& adapters) override { adapters_ = adapters; }
     void prescribe(const Answer& answer) override { script.prescribe(answer); }
     std::vector<std::string> calls() const override { return script.calls(); }
@@ -32,8 +39,40 @@ class HbaHost final : public HbaStandin {
     CallScript script;
 
   private:
+    /// The adapter of this name, added when there is none yet.
+    HbaAdapter& adapterNamed(const std::string& name);
+
     std::vector<HbaAdapter> adapters_;
 };
+
+HbaAdapter& HbaHost::adapterNamed(const std::string& name) {
+    for (HbaAdapter& adapter : adapters_) {
+        if (adapter.name == name) return adapter;
+    }
+    return adapters_.emplace_back(HbaAdapter{name});
+}
+
+bool HbaHost::readHost() {
+    const HostReader reader;
+    adapters_.clear();
+    if (!reader.isConnected()) return false;
+    reader.visit(L"Simulator_FcPort", [&](IWbemClassObject* instance) {
+        HbaAdapter& adapter = adapterNamed(narrow(readText(instance, L"AdapterName")));
+        const std::size_t index = readNumber(instance, L"PortIndex");
+        if (index >= kMaximumPorts) return;
+        if (adapter.ports.size() <= index) adapter.ports.resize(index + 1);
+        HbaPort& port = adapter.ports[index];
+        port.osDeviceName = narrow(readText(instance, L"OSDeviceName"));
+        const std::vector<std::uint8_t> wwn = readBytes(instance, L"PortWWN");
+        std::copy_n(wwn.begin(), std::min(wwn.size(), port.wwn.size()), port.wwn.begin());
+    });
+    reader.visit(L"Simulator_FcTarget", [&](IWbemClassObject* instance) {
+        adapterNamed(narrow(readText(instance, L"AdapterName")))
+            .targets.push_back({readNumber(instance, L"ScsiBusNumber"),
+                                readNumber(instance, L"ScsiTargetNumber")});
+    });
+    return true;
+}
 
 HbaHost& host() {
     static HbaHost standin;

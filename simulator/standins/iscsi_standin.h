@@ -35,6 +35,10 @@ struct IscsiSession {
 /// are delivered all the same, as far as the buffer goes.
 class IscsiStandin {
   public:
+    /// Takes the sessions of the simulated host that plays WMI in the process: its class
+    /// Simulator_IscsiSession.
+    /// @return false when there is no such host, or one that knows nothing of adapters
+    virtual bool readHost() = 0;
     virtual void setMappings(const std::vector<IscsiMapping>& mappings) = 0;
     virtual void setSessions(const std::vector<IscsiSession>& sessions) = 0;
     virtual void prescribe(const Answer& answer) = 0;

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "adapters/iscsi_discovery.h"
+#include "simulator/standins/host_reader.h"
 #include "simulator/standins/iscsi_standin.h"
 
 namespace quista::simulator {
@@ -16,6 +17,7 @@ namespace {
 
 class IscsiHost final : public IscsiStandin {
   public:
+    bool readHost() override;
     void setMappings(const std::vector<IscsiMapping>& list) override { mappings = list; }
     void setSessions(const std::vector<IscsiSession>& list) override { sessions = list; }
     void prescribe(const Answer& answer) override { script.prescribe(answer); }
@@ -30,6 +32,25 @@ class IscsiHost final : public IscsiStandin {
     std::vector<IscsiSession> sessions;
     CallScript script;
 };
+
+bool IscsiHost::readHost() {
+    const HostReader reader;
+    mappings.clear();
+    sessions.clear();
+    if (!reader.isConnected()) return false;
+    reader.visit(L"Simulator_IscsiSession", [&](IWbemClassObject* instance) {
+        const IscsiSessionId id{0, readNumber(instance, L"AdapterSpecific")};
+        mappings.push_back(
+            {readText(instance, L"InitiatorName"), readText(instance, L"OSDeviceName"),
+             readNumber(instance, L"OSBusNumber"), readNumber(instance, L"OSTargetNumber"), id});
+        IscsiSession session{id, {}};
+        for (const std::wstring& address : readTexts(instance, L"InitiatorAddresses")) {
+            session.initiatorAddresses.emplace_back(address);
+        }
+        sessions.push_back(session);
+    });
+    return true;
+}
 
 IscsiHost& host() {
     static IscsiHost standin;
