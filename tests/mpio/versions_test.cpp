@@ -286,21 +286,20 @@ TEST_F(VersionsTest, WithoutSystemRootOnlyTheProgramIsRead) {
 
 TEST_F(VersionsTest, SystemRootHasAtMostSixtyFourCharacters) {
     install(L"mpio.sys", L"first");
-    const std::wstring root = folder.path();
-    // A path stays the same for every "\." behind it.
-    std::wstring longest = root;
-    while (longest.size() + 2 <= 64) longest += L"\\.";
-    if (longest.size() < 64) longest += L"\\";
-    ASSERT_EQ(longest.size(), 64u);
+    // Separators behind a path change nothing but its length.
+    const auto rootOf = [this](std::size_t length) {
+        return folder.path() + std::wstring(length - folder.path().size(), L'\\');
+    };
     {
-        const Environment set(L"SYSTEMROOT", longest.c_str());
+        const Environment set(L"SYSTEMROOT", rootOf(64).c_str());
         EXPECT_EQ(DSMGetVersion(version.get()), DSM_SUCCESS);
         EXPECT_EQ(versionOf(version->Mpio), kFirst);
     }
     for (const std::size_t length : {65u, 66u, 200u}) {
-        const Environment set(L"SYSTEMROOT", (root + std::wstring(length, L'\\')).c_str());
+        const Environment set(L"SYSTEMROOT", rootOf(length).c_str());
         VersionRecord record;
         EXPECT_EQ(DSMGetVersion(record.get()), DSM_ERROR) << "as if it were missing";
+        EXPECT_EQ(versionOf(record->Program), kOwn);
         EXPECT_TRUE(record.untouched(record->Mpio));
     }
 }
