@@ -37,6 +37,7 @@ class Change {
         const unsigned long status = session_.call(function, std::forward<Body>(body));
         if (status != DSM_SUCCESS) fail(status, mark, check);
         record(true);
+        session_.keepChanges(report_);
     }
 
     /// The library reports success, but what is read back differs.

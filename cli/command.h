@@ -61,9 +61,14 @@ std::unique_ptr<Command> makeLunsCommand();
 std::unique_ptr<Command> makeLunCommand();
 std::unique_ptr<Command> makePathsCommand();
 std::unique_ptr<Command> makeDisksCommand();
+std::unique_ptr<Command> makeRepairCommand();
+std::unique_ptr<Command> makeSimulateNewCommand();
 std::unique_ptr<Command> makeErrorsCommand();
 
 // Commands of a group, in the order of its --help.
 void addPathCommands(Commands& commands);
+void addPolicyCommands(Commands& commands);
+void addReservationCommands(Commands& commands);
+void addSettingCommands(Commands& commands);
 
 }  // namespace quista::cli

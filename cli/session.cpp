@@ -13,8 +13,17 @@ namespace {
 
 std::optional<SimulatedHost> openHost(const Context& context) {
     if (context.options.simulatedHost.empty()) return std::nullopt;
-    return std::optional<SimulatedHost>(std::in_place, context.process.folder,
-                                        context.options.simulatedHost);
+    std::optional<SimulatedHost> host(std::in_place, context.process.folder,
+                                      context.options.simulatedHost);
+    host->start();
+    return host;
+}
+
+// The simulator's own class files stand for those of an installation.
+std::optional<SimulatedRegistry> openRegistry(const Context& context) {
+    if (context.options.simulatedHost.empty()) return std::nullopt;
+    return std::optional<SimulatedRegistry>(std::in_place,
+                                            context.process.folder + L"\\hosts\\classes\\");
 }
 
 }  // namespace
@@ -43,10 +52,25 @@ ComApartment::~ComApartment() {
 Session::Session(const Context& context)
     : watchdog_(context.watchdog),
       host_(openHost(context)),
+      registry_(openRegistry(context)),
       status_(call("DSMInitialize", [] { return DSMInitialize(0); })) {}
 
 Session::~Session() {
     DSMUninitialize();
+}
+
+void Session::keepChanges(Report& report) {
+    if (!host_) return;
+    if (!host_->isSample()) {
+        host_->save();
+        return;
+    }
+    constexpr const char* kNotKept = "changes to the sample are not kept";
+    for (const Message& message : report.messages) {
+        if (message.text == kNotKept) return;
+    }
+    report.add(Severity::kWarning, kNotKept, DSM_SUCCESS,
+               "Make a host of your own with quistactl simulate new.");
 }
 
 }  // namespace quista::cli

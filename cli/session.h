@@ -7,6 +7,7 @@
 #include "cli/chatter_guard.h"
 #include "cli/command.h"
 #include "cli/simulated_host.h"
+#include "cli/simulated_registry.h"
 #include "cli/work_folder.h"
 
 namespace quista::cli {
@@ -36,6 +37,10 @@ class Session {
     /// answer in part.
     unsigned long status() const { return status_; }
 
+    /// Writes a simulated host that was changed back to its file; changes to a sample are not kept,
+    /// and the report says so. Throws Failure.
+    void keepChanges(Report& report);
+
     /// Calls the library under the watchdog; `name` is the function's.
     template <class Body>
     auto call(const char* name, Body&& body) {
@@ -48,6 +53,7 @@ class Session {
     Watchdog& watchdog_;
     ComApartment com_;
     std::optional<SimulatedHost> host_;
+    std::optional<SimulatedRegistry> registry_;
     WorkFolder workFolder_;
     ChatterGuard chatter_;
     unsigned long status_;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/atomic_file.h"
 #include "cli/failure.h"
 #include "cli/names.h"
 #include "cli/text.h"
@@ -51,21 +52,53 @@ std::string describe(const simulator::LoadError& error) {
                        file, reason);
 }
 
+std::wstring fullPath(const std::wstring& filePath) {
+    std::wstring full(GetFullPathNameW(filePath.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(
+        GetFullPathNameW(filePath.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full;
+}
+
 }  // namespace
 
+bool isSampleName(const std::string& host) {
+    return host.find_first_of("\\/.:") == std::string::npos;
+}
+
 SimulatedHost::SimulatedHost(const std::wstring& folder, const std::string& host)
-    : simulator_(makeSimulator(folder)) {
+    : name_(host),
+      filePath_(isSampleName(host) ? std::wstring() : fullPath(toWide(host))),
+      simulator_(makeSimulator(folder)) {
     simulator::LoadError error;
     if (!simulator_->load(toWide(host), error)) {
         throw UsageError(
             fmt::format("cannot load the simulated host '{}': {}", host, describe(error)));
     }
+}
+
+void SimulatedHost::start() {
     const HRESULT result = simulator_->start();
     if (SUCCEEDED(result)) return;
     throw Failure(ExitCode::kFailed, DSM_SUCCESS,
                   fmt::format("cannot start the simulated host: {} (0x{:08x})",
                               systemText(static_cast<std::uint32_t>(result)),
                               static_cast<std::uint32_t>(result)));
+}
+
+void SimulatedHost::save() const {
+    if (!isSample()) write(filePath_, name_);
+}
+
+void SimulatedHost::saveTo(const std::string& file) const {
+    write(toWide(file), file);
+}
+
+void SimulatedHost::write(const std::wstring& filePath, const std::string& shownAs) const {
+    const unsigned long error = writeFileAtomically(filePath, toUtf8(simulator_->dump()));
+    if (error == ERROR_SUCCESS) return;
+    throw Failure(ExitCode::kFailed, DSM_SUCCESS,
+                  fmt::format("cannot write the simulated host {}: {} ({})", shownAs,
+                              systemText(error), error));
 }
 
 }  // namespace quista::cli

@@ -8,6 +8,9 @@
 
 namespace quista::cli {
 
+/// Whether a host's name is that of a sample, not of a file.
+bool isSampleName(const std::string& host);
+
 class SimulatedHost {
   public:
     /// Loads the simulator's DLL from `folder` and the host into it. Throws UsageError with file,
@@ -15,7 +18,21 @@ class SimulatedHost {
     /// @param host name of a sample, or a MOF file relative to the current folder
     SimulatedHost(const std::wstring& folder, const std::string& host);
 
+    /// Lets it answer on this thread, which is in a COM apartment. Throws Failure.
+    void start();
+
+    /// A sample is shared by all, and never changed.
+    bool isSample() const { return filePath_.empty(); }
+    /// Writes the host back to the file that it was loaded from, atomically. Throws Failure.
+    void save() const;
+    /// Writes the host to a file, atomically. Throws Failure.
+    void saveTo(const std::string& file) const;
+
   private:
+    void write(const std::wstring& filePath, const std::string& shownAs) const;
+
+    std::string name_;
+    std::wstring filePath_;  ///< full, since the current folder changes; empty for a sample
     std::unique_ptr<simulator::Simulator, simulator::DestroySimulatorFunction> simulator_;
 };
 

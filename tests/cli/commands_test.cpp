@@ -365,9 +365,19 @@ struct NeededArguments {
 
 // What a command that needs arguments gets.
 const NeededArguments kNeededArguments[] = {
-    {"lun", {"kvA7r2Qm9T01"}},       {"path activate", {"0x101"}}, {"path passivate", {"0x103"}},
-    {"path enable", {"0x101"}},      {"path disable", {"0x101"}},  {"path refresh", {"0x101"}},
+    {"lun", {"kvA7r2Qm9T01"}},
+    {"path activate", {"0x101"}},
+    {"path passivate", {"0x103"}},
+    {"path enable", {"0x101"}},
+    {"path disable", {"0x101"}},
+    {"path refresh", {"0x101"}},
     {"path weight", {"0x101", "0"}},
+    {"policy show", {"kvA7r2Qm9T01"}},
+    {"policy set", {"kvA7r2Qm9T01", "2"}},
+    {"reservation set", {"0123456789abcdef"}},
+    {"timers set", {"RetryCount", "4"}},
+    {"parameters set", {"RetryCount", "4"}},
+    {"simulate new", {"host.mof", "--force"}},
 };
 
 std::vector<std::string> commandLine(const cli::Command& command, const std::string& host) {

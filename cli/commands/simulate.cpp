@@ -1,0 +1,85 @@
+#include <windows.h>
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <fmt/format.h>
+
+#include "cli/arguments.h"
+#include "cli/command.h"
+#include "cli/failure.h"
+#include "cli/simulated_host.h"
+#include "cli/text.h"
+
+namespace quista::cli {
+namespace {
+
+struct MadeHost {
+    std::string file;
+    std::string source;
+};
+
+constexpr Field<MadeHost> kHostFields[] = {
+    {"FILE", "file", "the new host's file", [](const MadeHost& h) { return textValue(h.file); }},
+    {"FROM", "from", "the host that it was made from",
+     [](const MadeHost& h) { return textValue(h.source); }},
+};
+
+// A name that could be a sample's would never be looked for as a file.
+std::string checkHostFile(const std::string& text) {
+    if (!isSampleName(text)) return {};
+    return fmt::format("expected a file name with an extension, such as {}.mof, got '{}'",
+                       text.empty() ? "host" : text, text);
+}
+
+class SimulateNewCommand final : public Command {
+  public:
+    const char* name() const override { return "simulate new"; }
+    const char* summary() const override { return "Make a simulated host of your own"; }
+    const char* example() const override {
+        return "quistactl simulate new host.mof --from degraded";
+    }
+    std::vector<FieldHelp> fields() const override {
+        return fieldHelp(Fields<MadeHost>(kHostFields));
+    }
+
+    void declare(CLI::App& app) override {
+        app.add_option("FILE", file_, "File of the new host")
+            ->required()
+            ->check(CLI::Validator(checkHostFile, ""))
+            ->type_name("");
+        app.add_option("--from", source_, "Sample or MOF file to begin with")
+            ->check(CLI::Validator(checkNotEmpty, ""))
+            ->type_name("SAMPLE")
+            ->capture_default_str();
+        app.add_flag("--force", isForced_, "Overwrite a file that exists");
+    }
+
+    void execute(const Context& context, Report& report) override {
+        const bool exists = GetFileAttributesW(toWide(file_).c_str()) != INVALID_FILE_ATTRIBUTES;
+        if (exists && !isForced_) {
+            throw Failure(ExitCode::kRefused, DSM_SUCCESS,
+                          fmt::format("{} exists; nothing was changed", file_),
+                          "--force overwrites it.");
+        }
+        const SimulatedHost host(context.process.folder, source_);
+        host.saveTo(file_);
+        Section section =
+            sectionOf("host", kTable, Fields<MadeHost>(kHostFields), {MadeHost{file_, source_}});
+        section.isSingle = true;
+        report.sections.push_back(std::move(section));
+    }
+
+  private:
+    std::string file_;
+    std::string source_ = "standard";
+    bool isForced_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeSimulateNewCommand() {
+    return std::make_unique<SimulateNewCommand>();
+}
+
+}  // namespace quista::cli
