@@ -103,9 +103,8 @@ void ControlTest::check(const Export& run, const Outcome& outcome, unsigned long
     EXPECT_EQ(run(), outcome.status);
     EXPECT_EQ(log.lines(), withResult(outcome.log, result));
     EXPECT_EQ(host->liveObjects(), before + outcome.kept);
-    if (outcome.kept == LiveObjects{}) {
-        EXPECT_TRUE(scope.survivors().empty());
-    }
+    EXPECT_EQ(scope.survivingTexts().size(), outcome.keptTexts);
+    EXPECT_EQ(scope.survivors().size(), outcome.keptTexts);
 }
 
 }  // namespace quista::test

@@ -2,6 +2,7 @@
 // turn.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ struct Outcome {
     unsigned long status = 0;
     LogLines log{};
     simulator::LiveObjects kept{};
+    std::size_t keptTexts = 0;
 };
 
 /// A recorded call in short: "CreateInstanceEnum KORVADSM", "Get KORVADSM_PATHINFO.DsmId".
