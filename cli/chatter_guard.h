@@ -16,4 +16,17 @@ class ChatterGuard {
     int savedOutput_ = -1;
 };
 
+/// While it lives, inside a ChatterGuard, what the library prints is dropped: for calls whose
+/// chatter is no news, such as a listing that the tool shows itself.
+class MutedChatter {
+  public:
+    MutedChatter();
+    ~MutedChatter();
+    MutedChatter(const MutedChatter&) = delete;
+    MutedChatter& operator=(const MutedChatter&) = delete;
+
+  private:
+    int savedOutput_ = -1;
+};
+
 }  // namespace quista::cli

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <memory>
 
+#include "cli/chatter_guard.h"
 #include "cli/hints.h"
 #include "cli/text.h"
 #include "quista/mpio.h"
@@ -93,8 +94,11 @@ Framework readFramework(Session& session, Report& report) {
         return framework;
     }
     flag = 0;
-    const unsigned long installed =
-        session.call("KORVADSMIsInstalled", [&] { return KORVADSMIsInstalled(&flag); });
+    const unsigned long installed = session.call("KORVADSMIsInstalled", [&] {
+        // It prints the controllers, which are listed below.
+        const MutedChatter muted;
+        return KORVADSMIsInstalled(&flag);
+    });
     framework.isDsmInstalled = installed == DSM_SUCCESS && flag != 0;
     framework.isDsmLoaded = session.call("DSMIsLoaded", [] { return DSMIsLoaded(); }) != 0;
     framework.controllers = readControllers(session, report);

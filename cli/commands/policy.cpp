@@ -8,6 +8,7 @@
 
 #include "cli/arguments.h"
 #include "cli/change.h"
+#include "cli/chatter_guard.h"
 #include "cli/command.h"
 #include "cli/hints.h"
 #include "cli/inventory.h"
@@ -171,8 +172,11 @@ class PolicySetCommand final : public Command {
         if (change.isWanted(changeOptions_, true)) {
             std::wstring serial = toWide(serial_);
             _DSM_LOAD_BALANCE_TYPE type{policy};
-            change.make("KORVADSMSetDiskPolicy", kCheck,
-                        [&] { return KORVADSMSetDiskPolicy(serial.data(), &type); });
+            change.make("KORVADSMSetDiskPolicy", kCheck, [&] {
+                // It prints that it found the LUN.
+                const MutedChatter muted;
+                return KORVADSMSetDiskPolicy(serial.data(), &type);
+            });
         }
         showResult(session, policy, change, report);
     }

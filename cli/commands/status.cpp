@@ -1,7 +1,10 @@
+#include <optional>
+
 #include "cli/command.h"
 #include "cli/framework.h"
 #include "cli/inventory.h"
 #include "cli/lun_fields.h"
+#include "cli/simulated_windows_folder.h"
 
 namespace quista::cli {
 namespace {
@@ -68,6 +71,10 @@ class StatusCommand final : public Command {
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
+        std::optional<SimulatedWindowsFolder> windows;
+        if (!context.options.simulatedHost.empty()) {
+            windows.emplace(context.process.folder + L"\\hosts\\windows");
+        }
         const Framework framework = readFramework(session, report);
         Section status = sectionOf("mpio", kDetails, Fields<Framework>(kStatusFields), {framework});
         status.isSingle = true;

@@ -34,6 +34,16 @@ TEST(ChatterGuardTest, StandardOutputWorksBeforeAndAfter) {
     EXPECT_EQ(capture.stop(), "before;after");
 }
 
+TEST(ChatterGuardTest, MutedTextReachesNobody) {
+    ConsoleCapture capture;
+    {
+        const cli::MutedChatter muted;
+        std::printf("no news");
+    }
+    std::printf("after");
+    EXPECT_EQ(capture.stop(), "after");
+}
+
 std::wstring currentFolder() {
     return std::filesystem::current_path().wstring();
 }
