@@ -60,7 +60,7 @@ Session::~Session() {
 }
 
 void Session::keepChanges(Report& report) {
-    if (!host_) return;
+    if (!host_ || !host_->isChanged()) return;
     if (!host_->isSample()) {
         host_->save();
         return;

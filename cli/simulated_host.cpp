@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "cli/atomic_file.h"
 #include "cli/failure.h"
 #include "cli/names.h"
 #include "cli/text.h"
@@ -61,14 +60,8 @@ std::wstring fullPath(const std::wstring& filePath) {
 
 }  // namespace
 
-bool isSampleName(const std::string& host) {
-    return host.find_first_of("\\/.:") == std::string::npos;
-}
-
 SimulatedHost::SimulatedHost(const std::wstring& folder, const std::string& host)
-    : name_(host),
-      filePath_(isSampleName(host) ? std::wstring() : fullPath(toWide(host))),
-      simulator_(makeSimulator(folder)) {
+    : name_(host), filePath_(fullPath(toWide(host))), simulator_(makeSimulator(folder)) {
     simulator::LoadError error;
     if (!simulator_->load(toWide(host), error)) {
         throw UsageError(
@@ -86,19 +79,25 @@ void SimulatedHost::start() {
 }
 
 void SimulatedHost::save() const {
-    if (!isSample()) write(filePath_, name_);
+    write(filePath_, name_);
 }
 
 void SimulatedHost::saveTo(const std::string& file) const {
+    if (simulator_->isSample(toWide(file))) {
+        throw UsageError(
+            fmt::format("'{0}' is the name of a sample (expected a file name with an extension, "
+                        "such as {0}.mof)",
+                        file));
+    }
     write(toWide(file), file);
 }
 
 void SimulatedHost::write(const std::wstring& filePath, const std::string& shownAs) const {
-    const unsigned long error = writeFileAtomically(filePath, toUtf8(simulator_->dump()));
-    if (error == ERROR_SUCCESS) return;
-    throw Failure(ExitCode::kFailed, DSM_SUCCESS,
-                  fmt::format("cannot write the simulated host {}: {} ({})", shownAs,
-                              systemText(error), error));
+    simulator::LoadError error;
+    if (simulator_->save(filePath, error)) return;
+    throw Failure(
+        ExitCode::kFailed, DSM_SUCCESS,
+        fmt::format("cannot write the simulated host {}: {}", shownAs, toUtf8(error.reason)));
 }
 
 }  // namespace quista::cli

@@ -4,12 +4,10 @@
 #include <memory>
 #include <string>
 
+#include "cli/text.h"
 #include "simulator/simulator.h"
 
 namespace quista::cli {
-
-/// Whether a host's name is that of a sample, not of a file.
-bool isSampleName(const std::string& host);
 
 class SimulatedHost {
   public:
@@ -22,17 +20,19 @@ class SimulatedHost {
     void start();
 
     /// A sample is shared by all, and never changed.
-    bool isSample() const { return filePath_.empty(); }
-    /// Writes the host back to the file that it was loaded from, atomically. Throws Failure.
+    bool isSample() const { return simulator_->isSample(toWide(name_)); }
+    bool isChanged() const { return simulator_->isChanged(); }
+    /// Writes the host back to the file that it was loaded from: all of it, or nothing. Throws
+    /// Failure.
     void save() const;
-    /// Writes the host to a file, atomically. Throws Failure.
+    /// Writes the host to another file. Throws Failure.
     void saveTo(const std::string& file) const;
 
   private:
     void write(const std::wstring& filePath, const std::string& shownAs) const;
 
     std::string name_;
-    std::wstring filePath_;  ///< full, since the current folder changes; empty for a sample
+    std::wstring filePath_;  ///< full, since the current folder changes
     std::unique_ptr<simulator::Simulator, simulator::DestroySimulatorFunction> simulator_;
 };
 

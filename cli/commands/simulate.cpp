@@ -25,13 +25,6 @@ constexpr Field<MadeHost> kHostFields[] = {
      [](const MadeHost& h) { return textValue(h.source); }},
 };
 
-// A name that could be a sample's would never be looked for as a file.
-std::string checkHostFile(const std::string& text) {
-    if (!isSampleName(text)) return {};
-    return fmt::format("expected a file name with an extension, such as {}.mof, got '{}'",
-                       text.empty() ? "host" : text, text);
-}
-
 class SimulateNewCommand final : public Command {
   public:
     const char* name() const override { return "simulate new"; }
@@ -46,7 +39,7 @@ class SimulateNewCommand final : public Command {
     void declare(CLI::App& app) override {
         app.add_option("FILE", file_, "File of the new host")
             ->required()
-            ->check(CLI::Validator(checkHostFile, ""))
+            ->check(CLI::Validator(checkNotEmpty, ""))
             ->type_name("");
         app.add_option("--from", source_, "Sample or MOF file to begin with")
             ->check(CLI::Validator(checkNotEmpty, ""))

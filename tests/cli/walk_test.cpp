@@ -4,7 +4,6 @@
 #include <functional>
 #include <gmock/gmock.h>
 
-#include "cli/atomic_file.h"
 #include "tests/cli/tool_test.h"
 #include "tests/support/simulated_host.h"
 
@@ -116,17 +115,22 @@ TEST_F(OwnHostTest, FolderThatDoesNotExistIsTold) {
     EXPECT_THAT(run.err, HasSubstr("cannot write the simulated host missing\\host.mof: "));
 }
 
-TEST(AtomicFileTest, FileThatCannotBeReplacedStaysWhole) {
-    const WorkFolder folder;
-    const std::wstring path = folder.path(L"host.mof");
-    ASSERT_EQ(cli::writeFileAtomically(path, "old"), 0u);
-    const HANDLE reader = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    EXPECT_NE(cli::writeFileAtomically(path, "new"), 0u);
+TEST_F(OwnHostTest, NameOfASampleIsNoFile) {
+    const ToolRun run = runTool({"simulate", "new", "host"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.err, HasSubstr("such as host.mof"));
+}
+
+TEST_F(OwnHostTest, FileThatCannotBeReplacedStaysWhole) {
+    runTool({"simulate", "new", "host.mof"});
+    const auto before = readFile(userFolder.path(L"host.mof"));
+    const HANDLE reader = CreateFileW(userFolder.path(L"host.mof").c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    const ToolRun run = onHost({"path", "disable", "0x101"});
     CloseHandle(reader);
-    EXPECT_EQ(readFile(path), "old");
-    EXPECT_EQ(cli::writeFileAtomically(path, "new"), 0u);
-    EXPECT_EQ(readFile(path), "new");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr("cannot write the simulated host host.mof: "));
+    EXPECT_EQ(readFile(userFolder.path(L"host.mof")), before);
 }
 
 }  // namespace
