@@ -78,6 +78,15 @@ void SimulatedHost::start() {
                               static_cast<std::uint32_t>(result)));
 }
 
+void SimulatedHost::removeClasses(const std::string& classFile) {
+    simulator::LoadError error;
+    if (simulator_->removeClassesOf(toWide(classFile), error)) return;
+    throw UsageError(
+        fmt::format("cannot leave out the classes of '{}': {} (expected korvadsm, pdo, "
+                    "lbpolicy or mpio)",
+                    classFile, toUtf8(error.reason)));
+}
+
 void SimulatedHost::save() const {
     write(filePath_, name_);
 }

@@ -22,6 +22,9 @@ class SimulatedHost {
     /// A sample is shared by all, and never changed.
     bool isSample() const { return simulator_->isSample(toWide(name_)); }
     bool isChanged() const { return simulator_->isChanged(); }
+    /// Lets the host lose the classes of one of the simulator's class files, such as "korvadsm".
+    /// Throws UsageError.
+    void removeClasses(const std::string& classFile);
     /// Writes the host back to the file that it was loaded from: all of it, or nothing. Throws
     /// Failure.
     void save() const;

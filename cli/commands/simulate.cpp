@@ -45,6 +45,10 @@ class SimulateNewCommand final : public Command {
             ->check(CLI::Validator(checkNotEmpty, ""))
             ->type_name("SAMPLE")
             ->capture_default_str();
+        app.add_option("--without", lost_,
+                       "Leave out the classes of korvadsm, pdo, lbpolicy or mpio, for repair")
+            ->check(CLI::Validator(checkNotEmpty, ""))
+            ->type_name("CLASSES");
         app.add_flag("--force", isForced_, "Overwrite a file that exists");
     }
 
@@ -55,7 +59,8 @@ class SimulateNewCommand final : public Command {
                           fmt::format("{} exists; nothing was changed", file_),
                           "--force overwrites it.");
         }
-        const SimulatedHost host(context.process.folder, source_);
+        SimulatedHost host(context.process.folder, source_);
+        if (!lost_.empty()) host.removeClasses(lost_);
         host.saveTo(file_);
         Section section =
             sectionOf("host", kTable, Fields<MadeHost>(kHostFields), {MadeHost{file_, source_}});
@@ -66,6 +71,7 @@ class SimulateNewCommand final : public Command {
   private:
     std::string file_;
     std::string source_ = "standard";
+    std::string lost_;
     bool isForced_ = false;
 };
 

@@ -98,6 +98,23 @@ TEST_F(OwnHostTest, AnySampleOrFileIsABeginning) {
     EXPECT_FALSE(fileExists(userFolder.path(L"x.mof")));
 }
 
+TEST_F(OwnHostTest, ClassesThatWereLeftOutAreRepaired) {
+    runTool({"simulate", "new", "host.mof", "--without", "korvadsm"});
+    runTool({"simulate", "new", "whole.mof"});
+    EXPECT_NE(readFile(userFolder.path(L"host.mof")), readFile(userFolder.path(L"whole.mof")));
+    const ToolRun repair = onHost({"repair"});
+    EXPECT_EQ(repair.exitCode, 0);
+    EXPECT_THAT(repair.out, HasSubstr("DSM      yes\n"));
+    EXPECT_THAT(onHost({"luns"}).out, HasSubstr("7 LUNs, 21 of 21 paths available: all ok"));
+}
+
+TEST_F(OwnHostTest, OnlyClassFilesCanBeLeftOut) {
+    const ToolRun run = runTool({"simulate", "new", "host.mof", "--without", "nothing"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.err, HasSubstr("expected korvadsm, pdo, lbpolicy or mpio"));
+    EXPECT_FALSE(fileExists(userFolder.path(L"host.mof")));
+}
+
 TEST_F(OwnHostTest, FailedAndRefusedCommandsLeaveTheFileAsItIs) {
     runTool({"simulate", "new", "host.mof", "--from", "degraded"});
     const auto before = readFile(userFolder.path(L"host.mof"));
