@@ -25,8 +25,9 @@ void debugText(const std::wstring& text) {
     OutputDebugStringW(text.c_str());
 }
 
+// The API's texts have 8 bits, in the system's code page.
 void debugAnsi(const char* text) {
-    OutputDebugStringA(text);
+    debugText(fromAnsi(text));
 }
 
 void logApiFailure(const wchar_t* what) {

@@ -81,10 +81,12 @@ std::wstring addressOfSession(const iscsi::RecordBuffer<iscsi::Session>& session
             return std::memcmp(&candidate.Id, &id, sizeof(id)) == 0;
         });
     std::wstring address;
-    if (session == sessions.end() || session->Connections == nullptr) return address;
-    for (ULONG i = 0; i < session->ConnectionCount; ++i) {
-        address = boundedText(session->Connections[i].InitiatorAddress, kMaximumText);
-    }
+    if (session == sessions.end()) return address;
+    const auto* connections = session->Connections;
+    const std::size_t count = sessions.bounded(connections, session->ConnectionCount);
+    std::for_each(connections, connections + count, [&](const iscsi::Connection& connection) {
+        address = boundedText(connection.InitiatorAddress, kMaximumText);
+    });
     return address;
 }
 

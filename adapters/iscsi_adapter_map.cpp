@@ -73,9 +73,11 @@ DWORD readPortals(const VARIANT& instanceName, _KORVADSM_ISCSI_HBAINFO& adapter)
     static_cast<void>(KORVADSMGetMsPortalInfoClass(instanceName, name.receive(), count.receive(),
                                                    information.receive()));
     const std::uint32_t expected = count.rawLong();
+    if (static_cast<std::uint32_t>(boundsOf(information.get()).count()) != expected) {
+        return DSM_NO_MEMORY;
+    }
     ObjectTable objects(expected);
     if (!objects.valid() ||
-        static_cast<std::uint32_t>(boundsOf(information.get()).count()) != expected ||
         static_cast<std::uint32_t>(objects.fill(information.get())) != expected) {
         return DSM_NO_MEMORY;
     }

@@ -35,6 +35,7 @@ bool fetchInto(DiscoveryFunction<Record> function, ULONG size, RecordBuffer<Reco
                Accepts&& accepts) {
     records.bytes.reset(new (std::nothrow) std::byte[size]{});
     if (records.bytes == nullptr) return false;
+    records.size = size;
     ULONG used = size;
     // In: the records that fit; out: those returned.
     ULONG count = static_cast<ULONG>(size / sizeof(Record));

@@ -4,7 +4,9 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <memory>
 
 namespace quista::iscsi {
@@ -66,11 +68,23 @@ inline constexpr int kDiscoveryFailed = -4;
 template <typename Record>
 struct RecordBuffer {
     ULONG count = 0;
+    std::size_t size = 0;
     std::unique_ptr<std::byte[]> bytes;
 
     bool isEmpty() const { return bytes == nullptr; }
     const Record* begin() const { return reinterpret_cast<const Record*>(bytes.get()); }
     const Record* end() const { return begin() + count; }
+
+    /// How many of the elements that a record points to can be read: none without a pointer, and
+    /// never more than the buffer holds behind one into it.
+    template <typename Element>
+    std::size_t bounded(const Element* elements, std::size_t wanted) const {
+        if (elements == nullptr) return 0;
+        const auto* first = reinterpret_cast<const std::byte*>(elements);
+        const std::byte* last = bytes.get() + size;
+        if (std::less<>()(first, bytes.get()) || !std::less<>()(first, last)) return wanted;
+        return std::min(wanted, static_cast<std::size_t>(last - first) / sizeof(Element));
+    }
 };
 
 /// Fetches the active target mappings. Without any there is no buffer.

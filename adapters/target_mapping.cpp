@@ -38,13 +38,14 @@ hba::Status TargetMapping::fetchLarger(const HBAAPIWrapper& api, hba::Handle ada
 }
 
 bool TargetMapping::allocateLarger() {
-    room_ = wanted_ + kSpareEntries;
+    const std::uint64_t room = wanted_ + kSpareEntries;
     const std::size_t size = offsetof(hba::FcpTargetMapping, entry) +
-                             static_cast<std::size_t>(room_) * sizeof(hba::FcpScsiEntry);
+                             static_cast<std::size_t>(room) * sizeof(hba::FcpScsiEntry);
     void* block = ::operator new(size, std::nothrow);
     if (block == nullptr) return false;
     std::memset(block, 0, size);
     larger_.reset(static_cast<hba::FcpTargetMapping*>(block));
+    room_ = room;
     return true;
 }
 

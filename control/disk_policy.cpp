@@ -77,7 +77,7 @@ bool makeFirstPathPrimary(IWbemClassObject* policyObject) {
         getProperty(policyObject, L"DSM_Paths", paths) != S_OK) {
         return false;
     }
-    ObjectTable objects(count.rawLong());
+    ObjectTable objects(roomFor(paths.get(), count.rawLong()));
     objects.fill(paths.get());
     for (LONG i = 0; i < objects.count(); ++i) {
         if (!putPrimaryFlag(objects.at(i), i == 0)) return false;

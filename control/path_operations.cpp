@@ -1,9 +1,8 @@
 // The operations on one path.
 #include <windows.h>
 
-#include <array>
-#include <cstddef>
 #include <initializer_list>
+#include <vector>
 
 #include "control/itl_method.h"
 #include "frame/bstr.h"
@@ -16,8 +15,6 @@ namespace quista {
 
 namespace {
 
-constexpr std::size_t kMaximumArguments = 2;
-
 struct Argument {
     const wchar_t* name;
     unsigned long long value;
@@ -29,18 +26,15 @@ DWORD callPathMethod(const wchar_t* method, std::initializer_list<Argument> argu
         const Argument& path = *arguments.begin();
         traceLine(
             formatText(L"%ls  %ls: 0x%x\n", method, path.name, static_cast<unsigned>(path.value)));
-        std::array<UniqueBstr, kMaximumArguments> owned;
-        std::array<BSTR, kMaximumArguments> names{};
-        std::array<unsigned long long, kMaximumArguments> values{};
-        std::size_t count = 0;
+        std::vector<UniqueBstr> owned;
+        std::vector<BSTR> names;
+        std::vector<unsigned long long> values;
         for (const Argument& argument : arguments) {
-            owned[count] = UniqueBstr(argument.name);
-            names[count] = owned[count].get();
-            values[count] = argument.value;
-            ++count;
+            names.push_back(owned.emplace_back(argument.name).get());
+            values.push_back(argument.value);
         }
         return CallMethodforITL(L"KORVADSM_LUNINFO", method, names.data(), values.data(),
-                                static_cast<DWORD>(count));
+                                static_cast<DWORD>(arguments.size()));
     });
 }
 

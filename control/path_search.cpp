@@ -29,7 +29,7 @@ struct LunPaths {
     }
 
     bool hold(std::uint64_t pathId) const {
-        ObjectTable objects(count.rawLong());
+        ObjectTable objects(roomFor(paths.get(), count.rawLong()));
         objects.fill(paths.get());
         for (LONG i = 0; i < objects.count(); ++i) {
             // Not checked: an identifier that cannot be read is 0.

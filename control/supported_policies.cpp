@@ -78,9 +78,9 @@ DWORD storePolicies(const ObjectTable& policies, unsigned long expected, const s
     unsigned long** entries = list.Descriptor;
     DWORD status = DSM_SUCCESS;
     unsigned long stored = 0;
+    const auto fetched = static_cast<unsigned long>(policies.count());
     for (unsigned long i = 0; i < expected; ++i) {
-        const auto index = static_cast<LONG>(i);
-        IWbemClassObject* policy = index < policies.count() ? policies.at(index) : nullptr;
+        IWbemClassObject* policy = i < fetched ? policies.at(static_cast<LONG>(i)) : nullptr;
         UniqueVariant number;
         if (getOrLog(policy, L"LoadBalancePolicy", number, place.c_str()) != S_OK) continue;
         if (storePolicy(number.rawLong(), entries[i], serial) == DSM_SUCCESS) {

@@ -17,6 +17,9 @@ std::wstring formatText(const wchar_t* format, ...);
 /// The 8-bit form of a text in the system's ANSI code page; a character without one becomes '?'.
 std::string toAnsi(const std::wstring& text);
 
+/// The wide form of an 8-bit text in the system's ANSI code page.
+std::wstring fromAnsi(const std::string& text);
+
 /// Prints to standard output, whatever gConsoleTrace says.
 void printLine(const std::wstring& text);
 

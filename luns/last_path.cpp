@@ -62,7 +62,7 @@ DWORD examineLun(IWbemClassObject* lun, std::uint64_t pathId, int& isLast) {
     }
     UniqueVariant value;
     if (getOrLog(lun, L"Paths", value, L"IsLastPath: Paths") != S_OK) return DSM_WMI_FAILURE;
-    ObjectTable paths(count.rawLong());
+    ObjectTable paths(roomFor(value.get(), count.rawLong()));
     if (!paths.valid()) return DSM_NO_MEMORY;
     paths.fill(value.get());
     isLast = 1;

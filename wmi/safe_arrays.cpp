@@ -12,6 +12,11 @@ namespace {
 
 constexpr VARTYPE kObjectArray = VT_ARRAY | VT_UNKNOWN;
 
+bool isPlainArray(const VARIANT& value) {
+    return (value.vt & VT_ARRAY) != 0 && (value.vt & VT_BYREF) == 0 && value.parray != nullptr &&
+           SafeArrayGetDim(value.parray) == 1;
+}
+
 bool holdsPointers(const VARIANT& value) {
     const int element = value.vt & VT_TYPEMASK;
     return element == VT_BSTR || element == VT_UNKNOWN || element == VT_DISPATCH;
@@ -22,7 +27,7 @@ bool fitsSlot(const VARIANT& value) {
 }
 
 bool isByteArray(const VARIANT& value) {
-    return boundsOf(value).count() > 0 && SafeArrayGetElemsize(value.parray) == 1;
+    return isPlainArray(value) && SafeArrayGetElemsize(value.parray) == 1;
 }
 
 /// Turns the element's reference into one to its WMI interface; null when it has none.
@@ -37,10 +42,7 @@ void* toObject(void* element) {
 
 ArrayBounds boundsOf(const VARIANT& value) {
     ArrayBounds bounds;
-    if ((value.vt & VT_ARRAY) == 0 || (value.vt & VT_BYREF) != 0 || value.parray == nullptr ||
-        SafeArrayGetDim(value.parray) != 1) {
-        return bounds;
-    }
+    if (!isPlainArray(value)) return bounds;
     LONG lower = 0;
     LONG upper = -1;
     if (SafeArrayGetLBound(value.parray, 1, &lower) == S_OK &&
@@ -99,6 +101,10 @@ void copyFirstBytes(const VARIANT& value, unsigned char* bytes, LONG count) {
     for (LONG index = 0; index < count; ++index) {
         static_cast<void>(getByteElement(value, index, bytes[index]));
     }
+}
+
+std::size_t roomFor(const VARIANT& value, std::uint32_t limit) {
+    return std::min(static_cast<std::uint32_t>(boundsOf(value).count()), limit);
 }
 
 ObjectTable::ObjectTable(std::size_t room) noexcept

@@ -6,6 +6,9 @@
 #include <oleauto.h>
 #include <wbemcli.h>
 
+#include <cstddef>
+#include <cstdint>
+
 namespace quista {
 
 /// Bounds of an array, both inclusive. An empty array has an upper bound below its lower one.
@@ -40,6 +43,10 @@ HRESULT putByteElement(const VARIANT& value, LONG index, unsigned char byte);
 
 /// Copies elements 0 to `count` - 1 of a byte array one by one; those it does not have are left.
 void copyFirstBytes(const VARIANT& value, unsigned char* bytes, LONG count);
+
+/// Room for the elements of an array of which `limit` count: a limit that is larger than the array
+/// asks for no more memory than the array needs.
+std::size_t roomFor(const VARIANT& value, std::uint32_t limit);
 
 /// The embedded objects of an array property, in a table of fixed room. An element that is null or
 /// no WMI object stands as null.

@@ -144,9 +144,11 @@ TEST_F(PathSearchTest, ObjectsBeyondTheNumberOfPathsAreNotFetched) {
 }
 
 TEST_F(PathSearchTest, NumberBeyondTheObjectsIsBoundByThem) {
-    openWith({lunOfPaths(L"S1", {1, 2}).number(L"NumberOfPaths", 1000)});
+    openWith({lunOfPaths(L"S1", {1, 2}).number(L"NumberOfPaths", 1000),
+              lunOfPaths(L"S2", {3}).number(L"NumberOfPaths", 0xFFFFFFFF)});
     expectFound(2, kFirst);
-    expectNotFound(3);
+    expectFound(3, kSecond);
+    expectNotFound(4);
 }
 
 TEST_F(PathSearchTest, NumberWithoutValueIsNone) {

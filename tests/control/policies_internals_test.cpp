@@ -79,15 +79,19 @@ TEST_F(PolicyInputTest, PathsBeyondTheCountStayAsTheyAre) {
 
 TEST_F(PolicyInputTest, CountBeyondThePathsIsBoundByThem) {
     addAndOpen({operations(L"D\\1")});
-    host.add(MofObject(kQueryClass)
-                 .text(L"InstanceName", L"D\\1")
-                 .object(L"LoadBalancePolicy",
-                         policyObject(3)
-                             .number(L"DSMPathCount", 50)
-                             .objects(L"DSM_Paths",
-                                      {MofObject(kPolicyPathClass).number(L"PrimaryPath", 0),
-                                       MofObject(kPolicyPathClass).number(L"PrimaryPath", 1)})));
-    EXPECT_THAT(valuesOf(inputFor(1), "PrimaryPath"), ElementsAre("1", "0"));
+    for (const unsigned long count : {50ul, 0x80000000ul, 0xFFFFFFFFul}) {
+        host->removeInstances(kWmi, kQueryClass);
+        host.add(
+            MofObject(kQueryClass)
+                .text(L"InstanceName", L"D\\1")
+                .object(L"LoadBalancePolicy",
+                        policyObject(3)
+                            .number(L"DSMPathCount", count)
+                            .objects(L"DSM_Paths",
+                                     {MofObject(kPolicyPathClass).number(L"PrimaryPath", 0),
+                                      MofObject(kPolicyPathClass).number(L"PrimaryPath", 1)})));
+        EXPECT_THAT(valuesOf(inputFor(1), "PrimaryPath"), ElementsAre("1", "0")) << count;
+    }
 }
 
 TEST_F(PolicyInputTest, NoPathsArePutBackAsNone) {

@@ -149,10 +149,10 @@ Value Value::characters(const std::vector<SHORT>& characters) {
     return value;
 }
 
-Value Value::array(VARTYPE elementType, ULONG elements) {
+Value Value::array(VARTYPE elementType, ULONG elements, LONG lowerBound) {
     Value value;
     value.value_.vt = static_cast<VARTYPE>(VT_ARRAY | elementType);
-    value.value_.parray = SafeArrayCreateVector(elementType, 0, elements);
+    value.value_.parray = SafeArrayCreateVector(elementType, lowerBound, elements);
     EXPECT_NE(value.value_.parray, nullptr);
     return value;
 }

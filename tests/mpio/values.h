@@ -33,7 +33,7 @@ class Value {
     static Value objects(const std::vector<IUnknown*>& objects, LONG lowerBound = 0);
     static Value characters(const std::vector<SHORT>& characters);
     /// An array whose elements hold zero.
-    static Value array(VARTYPE elementType, ULONG elements);
+    static Value array(VARTYPE elementType, ULONG elements, LONG lowerBound = 0);
 
   private:
     VARIANT value_{};

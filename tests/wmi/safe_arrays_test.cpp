@@ -276,10 +276,24 @@ TEST(ByteElementTest, OtherValuesAreRefused) {
     std::vector<Value> values = arraysWithoutElements(VT_UI1);
     values.push_back(Value::longs({1}));
     for (const Value& value : values) {
+        // An empty array of bytes is one, and has no element 0.
+        const bool isEmpty = value.type() == (VT_ARRAY | VT_UI1) && value.get().parray != nullptr &&
+                             SafeArrayGetDim(value.get().parray) == 1;
+        const HRESULT refusal = isEmpty ? DISP_E_BADINDEX : E_INVALIDARG;
         unsigned char byte = 7;
-        EXPECT_EQ(getByteElement(value.get(), 0, byte), E_INVALIDARG);
-        EXPECT_EQ(putByteElement(value.get(), 0, 9), E_INVALIDARG);
+        EXPECT_EQ(getByteElement(value.get(), 0, byte), refusal);
+        EXPECT_EQ(putByteElement(value.get(), 0, 9), refusal);
         EXPECT_EQ(byte, 7);
+    }
+}
+
+TEST(RoomTest, TheSmallerOfArrayAndLimit) {
+    const Value array = Value::longs({1, 2, 3});
+    EXPECT_EQ(roomFor(array.get(), 2), 2u);
+    EXPECT_EQ(roomFor(array.get(), 3), 3u);
+    EXPECT_EQ(roomFor(array.get(), 0xFFFFFFFF), 3u);
+    for (const Value& none : arraysWithoutElements(VT_UNKNOWN)) {
+        EXPECT_EQ(roomFor(none.get(), 0xFFFFFFFF), 0u);
     }
 }
 

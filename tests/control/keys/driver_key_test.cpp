@@ -25,10 +25,10 @@ class DriverKeyTest : public KeysTest {
         return KORVADSMSetPRKey(key.data());
     }
     /// What the driver has for a key.
-    std::vector<unsigned> stored() const {
+    std::vector<unsigned> stored(LONG length = 8) const {
         const Value value = Value::ofProperty(kDsmClass, L"ReservationKey");
-        std::vector<unsigned> bytes(8);
-        for (LONG i = 0; i < 8; ++i) {
+        std::vector<unsigned> bytes(static_cast<std::size_t>(length));
+        for (LONG i = 0; i < length; ++i) {
             EXPECT_EQ(
                 SafeArrayGetElement(value.get().parray, &i, &bytes[static_cast<std::size_t>(i)]),
                 S_OK);
@@ -118,13 +118,30 @@ TEST_F(DriverKeyTest, GetFails) {
 }
 
 TEST_F(DriverKeyTest, ShorterArray_TheElementBehindItFails) {
-    for (const ULONG length : {1u, 7u}) {
+    for (const ULONG length : {0u, 1u, 7u}) {
         EXPECT_EQ(setOver(Value::array(VT_UI1, length)), DSM_ERROR);
         EXPECT_THAT(log.take(), ElementsAre(LogLine{kPutPlace, kBadIndex}));
         host->clearFaults();
     }
     EXPECT_TRUE(unchanged());
     EXPECT_EQ(countCalls(L"Put KORVADSM"), 0u);
+}
+
+TEST_F(DriverKeyTest, LongerArray_KeepsWhatLiesBehindTheKey) {
+    const Value ten = Value::array(VT_UI1, 10);
+    for (LONG i = 0; i < 10; ++i) {
+        BYTE byte = static_cast<BYTE>(31 + i);
+        ASSERT_EQ(SafeArrayPutElement(ten.get().parray, &i, &byte), S_OK);
+    }
+    EXPECT_EQ(setOver(ten), DSM_SUCCESS);
+    host->clearFaults();
+    EXPECT_THAT(stored(10), ElementsAre(0x00, 0x80, 0xff, 0x7f, 0x00, 0x01, 0x02, 0x00, 39, 40));
+}
+
+TEST_F(DriverKeyTest, ArrayThatBeginsAtOne_HasNoElementZero) {
+    EXPECT_EQ(setOver(Value::array(VT_UI1, 8, 1)), DSM_ERROR);
+    EXPECT_THAT(log.take(), ElementsAre(LogLine{kPutPlace, kBadIndex}));
+    EXPECT_TRUE(unchanged());
 }
 
 TEST_F(DriverKeyTest, NoByteArray_TheFirstElementFails) {
@@ -136,7 +153,6 @@ TEST_F(DriverKeyTest, NoByteArray_TheFirstElementFails) {
     refused(Value::null());
     refused(Value::number(8));
     refused(Value::text(L"ABCDEFGH"));
-    refused(Value::array(VT_UI1, 0));
     refused(Value::array(VT_I2, 8));
     refused(Value::array(VT_I4, 8));
     refused(Value::array(VT_BSTR, 8));

@@ -136,6 +136,18 @@ TEST_F(LunKeyTest, ShorterArray_TheBytesReadSoFarStay) {
     EXPECT_THAT(log.lines(), ElementsAre(LogLine{kElementPlace, kBadIndex}));
 }
 
+TEST_F(LunKeyTest, EmptyArray_TheFirstElementFails) {
+    EXPECT_EQ(getFrom(Value::array(VT_UI1, 0)), DSM_ERROR);
+    EXPECT_THAT(log.lines(), ElementsAre(LogLine{kElementPlace, kBadIndex}));
+    EXPECT_TRUE(key.untouched());
+}
+
+TEST_F(LunKeyTest, ArrayThatBeginsAtOne_HasNoElementZero) {
+    EXPECT_EQ(getFrom(Value::array(VT_UI1, 8, 1)), DSM_ERROR);
+    EXPECT_THAT(log.lines(), ElementsAre(LogLine{kElementPlace, kBadIndex}));
+    EXPECT_TRUE(key.untouched());
+}
+
 TEST_F(LunKeyTest, NoByteArray_TheFirstElementFails) {
     const auto refused = [&](const Value& value) {
         EXPECT_EQ(getFrom(value), DSM_ERROR);
@@ -145,7 +157,6 @@ TEST_F(LunKeyTest, NoByteArray_TheFirstElementFails) {
     refused(Value::null());
     refused(Value::number(8));
     refused(Value::text(L"ABCDEFGH"));
-    refused(Value::array(VT_UI1, 0));
     refused(Value::array(VT_I2, 8));
     refused(Value::array(VT_R8, 8));
     EXPECT_TRUE(key.untouched());
