@@ -3,17 +3,35 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <utility>
 
 namespace quista::cli {
 
-CLI::Option* addSerial(CLI::App& app, std::string& serial, const std::string& help) {
-    return app.add_option("SERIAL", serial, help)
-        ->check(CLI::Validator(checkNotEmpty, ""))
+std::string checkNotEmpty(const std::string& text) {
+    return text.empty() ? "it is empty" : "";
+}
+
+void Arguments::required(const char* name, std::string& value, const char* help, Check check) {
+    app_.add_option(name, value, help)
+        ->required()
+        ->check(CLI::Validator(std::move(check), ""))
         ->type_name("");
 }
 
-std::string checkNotEmpty(const std::string& text) {
-    return text.empty() ? "it is empty" : "";
+void Arguments::optional(const char* name, std::string& value, const char* help, Check check) {
+    app_.add_option(name, value, help)->check(CLI::Validator(std::move(check), ""))->type_name("");
+}
+
+void Arguments::option(const char* name, const char* placeholder, std::string& value,
+                       const char* help, Check check) {
+    app_.add_option(name, value, help)
+        ->check(CLI::Validator(std::move(check), ""))
+        ->type_name(placeholder)
+        ->capture_default_str();
+}
+
+void Arguments::flag(const char* name, bool& value, const char* help) {
+    app_.add_flag(name, value, help);
 }
 
 }  // namespace quista::cli

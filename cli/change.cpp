@@ -1,8 +1,5 @@
 #include "cli/change.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <fmt/format.h>
 
@@ -22,9 +19,9 @@ constexpr Field<ChangeRecord> kChangeFields[] = {
 
 }  // namespace
 
-void addChangeOptions(CLI::App& app, ChangeOptions& options, bool isRisky) {
-    app.add_flag("--dry-run", options.isDryRun, "Say what would be changed, and change nothing");
-    if (isRisky) app.add_flag("--yes", options.isConfirmed, "Do not ask on a console");
+void addChangeOptions(Arguments& arguments, ChangeOptions& options, bool isRisky) {
+    arguments.flag("--dry-run", options.isDryRun, "Say what would be changed, and change nothing");
+    if (isRisky) arguments.flag("--yes", options.isConfirmed, "Do not ask on a console");
 }
 
 bool Change::isWanted(const ChangeOptions& options, bool isRisky) {

@@ -16,7 +16,7 @@ struct ChangeOptions {
 };
 
 /// Declares --dry-run, and for a change that can cut off storage --yes.
-void addChangeOptions(CLI::App& app, ChangeOptions& options, bool isRisky);
+void addChangeOptions(Arguments& arguments, ChangeOptions& options, bool isRisky);
 
 class Change {
   public:

@@ -5,15 +5,12 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/arguments.h"
 #include "cli/fields.h"
 #include "cli/options.h"
 #include "cli/process.h"
 #include "cli/report.h"
 #include "cli/watchdog.h"
-
-namespace CLI {
-class App;
-}
 
 namespace quista::cli {
 
@@ -39,7 +36,7 @@ class Command {
     /// The fields that it prints, for --help.
     virtual std::vector<FieldHelp> fields() const { return {}; }
     /// Declares arguments and options of its own; the variables behind them are its members.
-    virtual void declare(CLI::App&) {}
+    virtual void declare(Arguments&) {}
     /// Does the work. What it could not do goes into the report, or is thrown as Failure when
     /// nothing can be shown.
     virtual void execute(const Context& context, Report& report) = 0;
@@ -61,6 +58,8 @@ std::unique_ptr<Command> makeLunsCommand();
 std::unique_ptr<Command> makeLunCommand();
 std::unique_ptr<Command> makePathsCommand();
 std::unique_ptr<Command> makeDisksCommand();
+std::unique_ptr<Command> makeAdaptersCommand();
+std::unique_ptr<Command> makeTopologyCommand();
 std::unique_ptr<Command> makeRepairCommand();
 std::unique_ptr<Command> makeSimulateNewCommand();
 std::unique_ptr<Command> makeErrorsCommand();

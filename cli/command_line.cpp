@@ -149,7 +149,8 @@ void CommandLine::declareCommand(Command& command) {
     app->allow_windows_style_options(false);
     app->allow_extras();
     app->footer(footerOf(command));
-    command.declare(*app);
+    Arguments arguments(*app);
+    command.declare(arguments);
     declareOptions(*app, options_);
 }
 

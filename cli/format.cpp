@@ -1,6 +1,7 @@
 #include "cli/format.h"
 
 #include <algorithm>
+#include <charconv>
 #include <fmt/format.h>
 
 namespace quista::cli {
@@ -88,6 +89,27 @@ std::string formatIpv6(const Ipv6Address& address) {
     if (zeros.length == 0) return joinGroups(groups, 0, groups.size());
     return joinGroups(groups, 0, zeros.first) +
            "::" + joinGroups(groups, zeros.first + zeros.length, groups.size());
+}
+
+std::string shortenIpv6(const std::string& text) {
+    constexpr std::size_t kGroup = 5;  // four digits and a colon
+    Ipv6Address address{};
+    if (text.size() != 8 * kGroup - 1) return text;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if ((i % kGroup == kGroup - 1) != (text[i] == ':')) return text;
+    }
+    for (std::size_t i = 0; i < address.size(); ++i) {
+        const char* digits = text.data() + i / 2 * kGroup + i % 2 * 2;
+        const auto [stop, error] = std::from_chars(digits, digits + 2, address[i], 16);
+        if (error != std::errc() || stop != digits + 2) return text;
+    }
+    return formatIpv6(address);
+}
+
+std::string formatPortal(const std::string& address, std::uint64_t tcpPort) {
+    const bool isIpv6 = address.find(':') != std::string::npos;
+    return isIpv6 ? fmt::format("[{}]:{}", address, tcpPort)
+                  : fmt::format("{}:{}", address, tcpPort);
 }
 
 std::string formatScsiAddress(const ScsiAddress& address) {

@@ -30,6 +30,12 @@ std::string formatIpv4(std::uint32_t address);
 /// addresses with a dotted end.
 std::string formatIpv6(const Ipv6Address& address);
 
+/// The same form for an address written as eight groups of four digits; other texts as they are.
+std::string shortenIpv6(const std::string& text);
+
+/// "192.0.2.10:3260", "[2001:db8::1]:3260"
+std::string formatPortal(const std::string& address, std::uint64_t tcpPort);
+
 /// "port:bus:target:lun"
 std::string formatScsiAddress(const ScsiAddress& address);
 

@@ -12,33 +12,23 @@
 
 #include "cli/chatter_guard.h"
 #include "cli/hints.h"
+#include "cli/task_memory.h"
 #include "cli/text.h"
 #include "quista/mpio.h"
 
 namespace quista::cli {
 namespace {
 
-struct TaskMemory {
-    void operator()(void* block) const { CoTaskMemFree(block); }
-};
-
 void fail(Report& report, const char* text, unsigned long status) {
     report.add(Severity::kError, text, status, installHint());
     report.fail(ExitCode::kFailed, status);
-}
-
-// The names of DSMs fill their field without a terminator when they are long.
-template <std::size_t Size>
-std::string boundedText(const wchar_t (&field)[Size]) {
-    const wchar_t* end = std::find(field, field + Size, L'\0');
-    return toUtf8({field, static_cast<std::size_t>(end - field)});
 }
 
 std::vector<Controller> readControllers(Session& session, Report& report) {
     _MPIO_CONTROLLER_CONFIGURATION* block = nullptr;
     const unsigned long status =
         session.call("DSMGetControllerConfig", [&] { return DSMGetControllerConfig(&block); });
-    const std::unique_ptr<_MPIO_CONTROLLER_CONFIGURATION, TaskMemory> owner(block);
+    const TaskMemory<_MPIO_CONTROLLER_CONFIGURATION> owner(block);
     if (status != DSM_SUCCESS || block == nullptr) {
         fail(report, "cannot list MPIO's controllers", status);
         return {};
@@ -48,8 +38,8 @@ std::vector<Controller> readControllers(Session& session, Report& report) {
     std::vector<Controller> controllers;
     for (std::size_t i = 0; i < count; ++i) {
         const _MPIO_CONTROLLER_INFO& info = block->ControllerInfo[i];
-        controllers.push_back(
-            {i + 1, boundedText(info.AssociatedDsm), info.ControllerState, info.IdentifierType});
+        controllers.push_back({i + 1, toUtf8(boundedText(info.AssociatedDsm)), info.ControllerState,
+                               info.IdentifierType});
     }
     return controllers;
 }

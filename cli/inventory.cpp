@@ -14,6 +14,7 @@
 #include "cli/failure.h"
 #include "cli/format.h"
 #include "cli/hints.h"
+#include "cli/task_memory.h"
 #include "cli/text.h"
 #include "quista/frame.h"
 #include "quista/luns.h"
@@ -41,15 +42,11 @@ class Instances {
     std::list<IWbemClassObject*> list_;
 };
 
-struct TaskMemory {
-    void operator()(void* block) const { CoTaskMemFree(block); }
-};
-
 Lun readLun(Session& session, IWbemClassObject* instance) {
     _KORVADSM_DISKINFO* block = nullptr;
     const unsigned long status =
         session.call("ParseDiskInfoKORVA", [&] { return ParseDiskInfoKORVA(instance, &block); });
-    const std::unique_ptr<_KORVADSM_DISKINFO, TaskMemory> owner(block);
+    const TaskMemory<_KORVADSM_DISKINFO> owner(block);
     if (block != nullptr) return lunFrom(*block, status);
     Lun lun;
     lun.serialText = "-";
@@ -164,6 +161,27 @@ std::vector<Lun> selectLuns(const std::vector<Lun>& luns, const std::string& ser
     // A LUN that is not found may be one of those that cannot be read.
     reportGaps(selected.empty() ? luns : selected, report);
     return selected;
+}
+
+std::optional<PathOfLun> findPath(const std::vector<Lun>& luns, std::uint32_t id) {
+    for (const Lun& lun : luns) {
+        for (const Path& path : lun.paths) {
+            if (path.id == id) return PathOfLun{&lun, &path};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<PathOfLun> selectPath(const std::vector<Lun>& luns, std::uint32_t id,
+                                    Report& report) {
+    const auto path = findPath(luns, id);
+    if (path) return path;
+    report.add(Severity::kError, "no path " + formatPathId(id), DSM_PATH_NOT_FOUND,
+               "quistactl paths lists the identifiers.");
+    report.fail(ExitCode::kNotFound, DSM_PATH_NOT_FOUND);
+    // It may be a path of a LUN that cannot be read.
+    reportGaps(luns, report);
+    return std::nullopt;
 }
 
 void reportGaps(const std::vector<Lun>& luns, Report& report) {

@@ -1,6 +1,8 @@
 // Lists the LUNs of the host.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,5 +24,11 @@ void reportGaps(const std::vector<Lun>& luns, Report& report);
 /// report says so.
 std::vector<Lun> selectLuns(const std::vector<Lun>& luns, const std::string& serial,
                             Report& report);
+
+/// The path with this identifier; the LUNs must outlive it.
+std::optional<PathOfLun> findPath(const std::vector<Lun>& luns, std::uint32_t id);
+
+/// The same; without such a path the report says so.
+std::optional<PathOfLun> selectPath(const std::vector<Lun>& luns, std::uint32_t id, Report& report);
 
 }  // namespace quista::cli

@@ -44,15 +44,6 @@ std::string bytesFrom(const std::wstring& path, std::uint64_t start) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// The library writes its log in the system's code page.
-std::string fromSystemCodePage(const std::string& bytes) {
-    const int length = static_cast<int>(bytes.size());
-    const int size = MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(size), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, wide.data(), size);
-    return toUtf8(wide);
-}
-
 bool isFailure(std::uint32_t code) {
     constexpr std::uint32_t kEndOfEnumeration = 1;
     return code != kEndOfEnumeration && code != DSM_INIT_DONE && code != DSM_WMI_REPAIR_SUCCESS;
@@ -104,6 +95,7 @@ LogMark::LogMark() {
 std::optional<FailedStep> LogMark::failedStep() const {
     for (const File& file : files_) {
         if (sizeOf(file.path) <= file.size) continue;
+        // The library writes its log in the system's code page.
         if (auto step = failedStepIn(fromSystemCodePage(bytesFrom(file.path, file.size)))) {
             return step;
         }

@@ -8,14 +8,6 @@
 namespace quista::cli {
 namespace {
 
-Value optionalText(const std::optional<std::string>& text) {
-    return textOrNothing(text ? &*text : nullptr);
-}
-
-Value serialNumber(const Lun& lun) {
-    return lun.serialNumber ? textValue(*lun.serialNumber) : shownAs(lun.serialText, nullptr);
-}
-
 Value paths(const Lun& lun) {
     return textValue(fmt::format("{}/{}", lun.pathsAvailable(), lun.pathsReported));
 }
@@ -29,7 +21,7 @@ Value health(const Lun& lun) {
 constexpr unsigned kDetailsAndJson = kDetails | kJson;
 
 constexpr Field<Lun> kLunFields[] = {
-    {"SERIAL", "serialNumber", "serial number; null in JSON when it cannot be read", serialNumber},
+    {"SERIAL", "serialNumber", "serial number; null in JSON when it cannot be read", serialOf},
     {"SIZE", "size", "size; bytes in JSON",
      [](const Lun& lun) { return shownAs(formatSize(lun.size), lun.size); }, kEverywhere,
      Align::kRight},
@@ -90,6 +82,10 @@ constexpr Field<HealthSummary> kSummaryFields[] = {
 };
 
 }  // namespace
+
+Value serialOf(const Lun& lun) {
+    return lun.serialNumber ? textValue(*lun.serialNumber) : shownAs(lun.serialText, nullptr);
+}
 
 Fields<Lun> lunFields() {
     return kLunFields;

@@ -7,6 +7,9 @@
 
 namespace quista::cli {
 
+/// The serial number, or what stands for it where it cannot be read.
+Value serialOf(const Lun& lun);
+
 Fields<Lun> lunFields();
 Fields<HealthSummary> summaryFields();
 

@@ -18,12 +18,6 @@ constexpr std::size_t kLimitedText = 65;
 constexpr std::uint8_t kFibreChannel = 1;
 constexpr std::uint8_t kIscsi = 2;
 
-template <std::size_t Size>
-std::wstring_view boundedText(const wchar_t (&field)[Size], std::size_t limit = Size) {
-    const wchar_t* end = std::find(field, field + std::min(limit, Size), L'\0');
-    return {field, static_cast<std::size_t>(end - field)};
-}
-
 std::optional<std::string> knownText(std::wstring_view text) {
     if (text.empty() || text == kPlaceholder) return std::nullopt;
     return toUtf8(text);
@@ -84,6 +78,12 @@ std::vector<Path> pathsFrom(const _KORVADSM_DISKINFO& record) {
 }
 
 }  // namespace
+
+std::optional<std::string> Path::targetPort() const {
+    if (fc) return formatWwn(fc->portName);
+    if (!iscsi) return std::nullopt;
+    return formatPortal(iscsi->address, iscsi->tcpPort);
+}
 
 std::size_t Lun::pathsAvailable() const {
     return static_cast<std::size_t>(std::count_if(

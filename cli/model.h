@@ -28,6 +28,13 @@ struct IscsiTarget {
     std::optional<std::string> nodeName;
 };
 
+/// Adapter of the host.
+struct HostAdapter {
+    std::string name;
+    /// WWN of the Fibre Channel port, or IP address of the iSCSI initiator.
+    std::optional<std::string> address;
+};
+
 struct Path {
     std::uint32_t id = 0;      ///< the identifier that path operations take
     std::uint32_t pathId = 0;  ///< MPIO's own identifier
@@ -42,7 +49,11 @@ struct Path {
     std::optional<FcTarget> fc;
     std::optional<IscsiTarget> iscsi;
     std::optional<std::string> targetAdapter;  ///< port or interface of the storage system
+    /// The host's adapter that carries it; none until looked up, or where nobody knows it.
+    std::optional<HostAdapter> adapter;
 
+    /// Where on the storage system it ends: the port's WWN, or the portal's address and TCP port.
+    std::optional<std::string> targetPort() const;
     /// True when the path can carry I/O.
     bool isAvailable() const { return state == 1 || state == 2; }
 };

@@ -1,38 +1,14 @@
 #include "cli/path_fields.h"
 
 #include <fmt/format.h>
+#include <iterator>
 
 #include "cli/format.h"
+#include "cli/lun_fields.h"
 #include "cli/names.h"
 
 namespace quista::cli {
 namespace {
-
-Value nothing() {
-    return textOrNothing(nullptr);
-}
-
-Value serialNumber(const PathOfLun& row) {
-    const Lun& lun = *row.lun;
-    return lun.serialNumber ? textValue(*lun.serialNumber) : shownAs(lun.serialText, nullptr);
-}
-
-Value state(const PathOfLun& row) {
-    const std::uint8_t number = row.path->state;
-    return namedValue(pathStateName(number), number,
-                      row.path->isAvailable() ? Tone::kGood : Tone::kBad);
-}
-
-std::string portal(const IscsiTarget& target) {
-    return fmt::format(fmt::runtime(target.isIpv6 ? "[{}]:{}" : "{}:{}"), target.address,
-                       target.tcpPort);
-}
-
-// Where on the storage system the path ends: the port's WWN, or the portal's address.
-Value target(const PathOfLun& row) {
-    if (row.path->fc) return textValue(formatWwn(row.path->fc->portName));
-    return row.path->iscsi ? textValue(portal(*row.path->iscsi)) : nothing();
-}
 
 Value targetNode(const PathOfLun& row) {
     if (row.path->fc) return textValue(formatWwn(row.path->fc->nodeName));
@@ -61,17 +37,15 @@ Value targetPortGroupState(const PathOfLun& row) {
     return namedValue(targetPortGroupStateName(state), state);
 }
 
-Value targetAdapter(const PathOfLun& row) {
-    return textOrNothing(row.path->targetAdapter ? &*row.path->targetAdapter : nullptr);
-}
-
 constexpr unsigned kNestedAndJson = kNested | kJson;
 
 constexpr Field<PathOfLun> kPathFields[] = {
-    {"SERIAL", "serialNumber", "serial number of the LUN", serialNumber, kTable | kJson},
+    {"SERIAL", "serialNumber", "serial number of the LUN",
+     [](const PathOfLun& row) { return serialOf(*row.lun); }, kTable | kJson},
     {"ID", "id", "identifier of the path",
      [](const PathOfLun& row) { return textValue(formatPathId(row.path->id)); }},
-    {"STATE", "state", "the driver's state: active, passive, failed or disabled", state},
+    {"STATE", "state", "the driver's state: active, passive, failed or disabled",
+     [](const PathOfLun& row) { return stateOf(*row.path); }},
     {"", "available", "whether the path can carry I/O",
      [](const PathOfLun& row) { return yesOrNo(row.path->isAvailable()); }, kJson},
     {"PROTOCOL", "protocol", "FC or iSCSI",
@@ -85,7 +59,8 @@ constexpr Field<PathOfLun> kPathFields[] = {
     {"WEIGHT", "weight", "weight, which the policy Weighted Paths goes by",
      [](const PathOfLun& row) { return numberValue(row.path->weight); }, kEverywhere,
      Align::kRight},
-    {"TARGET", "target", "target port: WWN, or address and TCP port", target},
+    {"TARGET", "target", "target port: WWN, or address and TCP port",
+     [](const PathOfLun& row) { return optionalText(row.path->targetPort()); }},
     {"TARGET NODE", "targetNode", "target node: WWN or iSCSI name", targetNode, kNestedAndJson},
     {"", "targetAddress", "IP address of an iSCSI target", targetAddress, kJson},
     {"", "targetTcpPort", "TCP port of an iSCSI target", targetTcpPort, kJson},
@@ -99,12 +74,33 @@ constexpr Field<PathOfLun> kPathFields[] = {
      [](const PathOfLun& row) { return textValue(formatPathId(row.path->pathId)); },
      kNestedAndJson},
     {"TARGET ADAPTER", "targetAdapter", "port or network interface of the storage system",
-     targetAdapter},
+     [](const PathOfLun& row) { return optionalText(row.path->targetAdapter); }},
+    {"ADAPTER", "adapter", "adapter of this host that carries the path",
+     [](const PathOfLun& row) {
+         return row.path->adapter ? textValue(row.path->adapter->name) : nothing();
+     }},
+    {"ADAPTER ADDRESS", "adapterAddress",
+     "WWN of the adapter's port, or the initiator's IP address",
+     [](const PathOfLun& row) {
+         return row.path->adapter ? optionalText(row.path->adapter->address) : nothing();
+     },
+     kNestedAndJson},
 };
+
+constexpr std::size_t kAdapterFields = 2;
 
 }  // namespace
 
+Value stateOf(const Path& path) {
+    return namedValue(pathStateName(path.state), path.state,
+                      path.isAvailable() ? Tone::kGood : Tone::kBad);
+}
+
 Fields<PathOfLun> pathFields() {
+    return Fields<PathOfLun>(kPathFields).first(std::size(kPathFields) - kAdapterFields);
+}
+
+Fields<PathOfLun> pathAndAdapterFields() {
     return kPathFields;
 }
 

@@ -21,8 +21,20 @@ Value textValue(std::string text) {
     return {std::move(text), std::move(data)};
 }
 
-Value textOrNothing(const std::string* text) {
-    return text != nullptr ? textValue(*text) : Value{"-", nullptr};
+Value nothing() {
+    return {"-", nullptr};
+}
+
+Value optionalText(const std::optional<std::string>& text) {
+    return text ? textValue(*text) : nothing();
+}
+
+Value textUnlessEmpty(const std::string& text) {
+    return text.empty() ? nothing() : textValue(text);
+}
+
+Value optionalNumber(const std::optional<std::uint64_t>& number) {
+    return number ? numberValue(*number) : nothing();
 }
 
 Value numberValue(std::uint64_t number) {

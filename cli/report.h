@@ -42,6 +42,7 @@ enum View : unsigned {
     kNested = 2,   ///< table below the record it belongs to
     kDetails = 4,  ///< one line per value
     kJson = 8,
+    kTree = 16,  ///< one line of a tree
     kText = kTable | kNested | kDetails,
     kEverywhere = kText | kJson,
 };
@@ -63,7 +64,7 @@ struct Row {
 /// Records of one kind.
 struct Section {
     std::string key;             ///< JSON key
-    View layout = View::kTable;  ///< kTable, kNested, kDetails; kJson: not shown as text
+    View layout = View::kTable;  ///< one of the views; kJson: not shown as text
     bool isSingle = false;       ///< a JSON object instead of an array
     std::vector<Column> columns;
     std::vector<Row> rows;
@@ -103,8 +104,11 @@ struct Report {
 };
 
 Value textValue(std::string text);
-/// "-" and null when there is none.
-Value textOrNothing(const std::string* text);
+// "-" and null where there is nothing.
+Value nothing();
+Value optionalText(const std::optional<std::string>& text);
+Value textUnlessEmpty(const std::string& text);
+Value optionalNumber(const std::optional<std::uint64_t>& number);
 Value numberValue(std::uint64_t number);
 Value yesOrNo(bool value);
 /// "Round Robin (2)"

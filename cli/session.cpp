@@ -4,8 +4,11 @@
 
 #include <objbase.h>
 
+#include <iterator>
+
 #include "cli/failure.h"
 #include "cli/hints.h"
+#include "cli/text.h"
 #include "quista/frame.h"
 
 namespace quista::cli {
@@ -51,12 +54,25 @@ ComApartment::~ComApartment() {
 
 Session::Session(const Context& context)
     : watchdog_(context.watchdog),
+      programFolder_(context.process.folder),
       host_(openHost(context)),
       registry_(openRegistry(context)),
       status_(call("DSMInitialize", [] { return DSMInitialize(0); })) {}
 
 Session::~Session() {
     DSMUninitialize();
+}
+
+std::string Session::hostName() const {
+    if (host_) return host_->name();
+    wchar_t name[256] = {};
+    DWORD size = static_cast<DWORD>(std::size(name));
+    if (!GetComputerNameExW(ComputerNameDnsHostname, name, &size)) return "this host";
+    return toUtf8({name, size});
+}
+
+void Session::provideAdapters() {
+    if (host_ && !adapters_) adapters_.emplace(programFolder_ + L"\\standins");
 }
 
 void Session::keepChanges(Report& report) {

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "cli/chatter_guard.h"
 #include "cli/command.h"
+#include "cli/simulated_adapters.h"
 #include "cli/simulated_host.h"
 #include "cli/simulated_registry.h"
 #include "cli/work_folder.h"
@@ -37,9 +39,17 @@ class Session {
     /// answer in part.
     unsigned long status() const { return status_; }
 
+    bool isSimulated() const { return host_.has_value(); }
+    /// What a user calls the host: the name of the computer, or of the sample or file.
+    std::string hostName() const;
+
     /// Writes a simulated host that was changed back to its file; changes to a sample are not kept,
     /// and the report says so. Throws Failure.
     void keepChanges(Report& report);
+
+    /// Provides the adapter libraries of a simulated host; those of the machine are there as they
+    /// are. Throws Failure.
+    void provideAdapters();
 
     /// Calls the library under the watchdog; `name` is the function's.
     template <class Body>
@@ -52,8 +62,10 @@ class Session {
     // folder replaces.
     Watchdog& watchdog_;
     ComApartment com_;
+    std::wstring programFolder_;
     std::optional<SimulatedHost> host_;
     std::optional<SimulatedRegistry> registry_;
+    std::optional<SimulatedAdapters> adapters_;
     WorkFolder workFolder_;
     ChatterGuard chatter_;
     unsigned long status_;

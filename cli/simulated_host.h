@@ -19,6 +19,8 @@ class SimulatedHost {
     /// Lets it answer on this thread, which is in a COM apartment. Throws Failure.
     void start();
 
+    /// The sample's name or the file, as the user gave it.
+    const std::string& name() const { return name_; }
     /// A sample is shared by all, and never changed.
     bool isSample() const { return simulator_->isSample(toWide(name_)); }
     bool isChanged() const { return simulator_->isChanged(); }

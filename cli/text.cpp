@@ -98,6 +98,15 @@ std::wstring toWide(std::string_view text) {
     return result;
 }
 
+std::string fromSystemCodePage(std::string_view bytes) {
+    if (bytes.empty()) return {};
+    const int length = static_cast<int>(bytes.size());
+    const int size = MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, wide.data(), size);
+    return toUtf8(wide);
+}
+
 std::string printable(std::string_view text) {
     std::string result;
     for (std::size_t position = 0; position < text.size();) {

@@ -1,6 +1,7 @@
 // UTF-8 text: conversion from and to UTF-16, and what it takes up on a terminal.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -11,6 +12,14 @@ namespace quista::cli {
 /// Unpaired surrogates and invalid bytes become U+FFFD.
 std::string toUtf8(std::wstring_view text);
 std::wstring toWide(std::string_view text);
+/// The text in a field that a long one fills without a terminator.
+template <std::size_t Size>
+std::wstring_view boundedText(const wchar_t (&field)[Size], std::size_t limit = Size) {
+    const wchar_t* end = std::find(field, field + std::min(limit, Size), L'\0');
+    return {field, static_cast<std::size_t>(end - field)};
+}
+/// Bytes of the system's code page, in UTF-8.
+std::string fromSystemCodePage(std::string_view bytes);
 
 /// The text with control characters written as \xNN, so that a name read from a device can neither
 /// break a table nor steer a terminal.

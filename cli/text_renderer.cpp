@@ -8,41 +8,17 @@
 
 #include "cli/names.h"
 #include "cli/text.h"
+#include "cli/text_style.h"
+#include "cli/tree_renderer.h"
 
 namespace quista::cli {
 namespace {
 
-constexpr std::size_t kGap = 2;
 // A column of sentences narrower than this is not worth reading.
 constexpr std::size_t kNarrowestText = 24;
 // A row that takes more lines than this no longer reads as one.
 constexpr std::size_t kMostFolds = 3;
 constexpr std::size_t kFoldIndent = 4;
-
-constexpr std::string_view kBold = "\x1b[1m";
-constexpr std::string_view kGreen = "\x1b[32m";
-constexpr std::string_view kYellow = "\x1b[33m";
-constexpr std::string_view kRed = "\x1b[31m";
-constexpr std::string_view kReset = "\x1b[0m";
-
-std::string_view colorOf(Tone tone) {
-    switch (tone) {
-        case Tone::kGood:
-            return kGreen;
-        case Tone::kWarning:
-            return kYellow;
-        case Tone::kBad:
-            return kRed;
-        case Tone::kPlain:
-            break;
-    }
-    return {};
-}
-
-std::string colored(std::string_view text, std::string_view color, const TextStyle& style) {
-    if (!style.hasColor || color.empty()) return std::string(text);
-    return fmt::format("{}{}{}", color, text, kReset);
-}
 
 struct Cell {
     std::string text;
@@ -237,8 +213,16 @@ std::string details(const Section& section, const TextStyle& style) {
 }
 
 std::string sectionText(const Section& section, const TextStyle& style) {
-    if (section.layout == View::kJson) return {};
-    return section.layout == View::kDetails ? details(section, style) : table(section, style);
+    switch (section.layout) {
+        case View::kJson:
+            return {};
+        case View::kDetails:
+            return details(section, style);
+        case View::kTree:
+            return renderTree(section, style);
+        default:
+            return table(section, style);
+    }
 }
 
 std::string_view severityName(Severity severity) {

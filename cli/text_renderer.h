@@ -1,20 +1,12 @@
 // A report as text for people: aligned tables on standard output, messages on standard error.
 #pragma once
 
-#include <cstddef>
-#include <optional>
 #include <string>
 
 #include "cli/report.h"
+#include "cli/text_style.h"
 
 namespace quista::cli {
-
-struct TextStyle {
-    /// Columns of the terminal; none for pipes and files, whose lines are never broken.
-    std::optional<std::size_t> width;
-    bool hasColor = false;
-    bool hasHeaders = true;
-};
 
 /// Tables and summary. In a table that is wider than the terminal sentences are broken into lines,
 /// or its columns are folded into several lines, or each record becomes a block of lines. Nothing

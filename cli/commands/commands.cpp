@@ -9,6 +9,8 @@ Commands makeCommands() {
     commands.push_back(makeLunCommand());
     commands.push_back(makePathsCommand());
     commands.push_back(makeDisksCommand());
+    commands.push_back(makeAdaptersCommand());
+    commands.push_back(makeTopologyCommand());
     addPathCommands(commands);
     addPolicyCommands(commands);
     addReservationCommands(commands);

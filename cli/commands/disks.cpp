@@ -1,32 +1,21 @@
 #include "cli/command.h"
 #include "cli/format.h"
 #include "cli/inventory.h"
+#include "cli/lun_fields.h"
 #include "cli/windows_disks.h"
 
 namespace quista::cli {
 namespace {
 
-Value optionalText(const std::optional<std::string>& text) {
-    return textOrNothing(text ? &*text : nullptr);
-}
-
-Value serialNumber(const DiskOfLun& disk) {
-    const Lun& lun = *disk.lun;
-    return lun.serialNumber ? textValue(*lun.serialNumber) : shownAs(lun.serialText, nullptr);
-}
-
-Value number(const DiskOfLun& disk) {
-    return disk.number ? numberValue(*disk.number) : textOrNothing(nullptr);
-}
-
 Value size(const DiskOfLun& disk) {
-    return disk.size ? shownAs(formatSize(*disk.size), *disk.size) : textOrNothing(nullptr);
+    return disk.size ? shownAs(formatSize(*disk.size), *disk.size) : nothing();
 }
 
 constexpr Field<DiskOfLun> kDiskFields[] = {
-    {"SERIAL", "serialNumber", "serial number of the LUN", serialNumber},
-    {"DISK", "diskNumber", "number that Windows gives to the disk", number, kEverywhere,
-     Align::kRight},
+    {"SERIAL", "serialNumber", "serial number of the LUN",
+     [](const DiskOfLun& disk) { return serialOf(*disk.lun); }},
+    {"DISK", "diskNumber", "number that Windows gives to the disk",
+     [](const DiskOfLun& disk) { return optionalNumber(disk.number); }, kEverywhere, Align::kRight},
     {"DEVICE", "device", "device by which programs open the disk",
      [](const DiskOfLun& disk) { return optionalText(disk.device); }},
     {"SIZE", "size", "size of the Windows disk; bytes in JSON", size, kEverywhere, Align::kRight},

@@ -1,6 +1,3 @@
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <charconv>
 #include <fmt/format.h>
 #include <optional>
@@ -22,10 +19,6 @@ struct Meaning {
     std::string text;
 };
 
-Value textOrDash(const std::string& text) {
-    return textOrNothing(text.empty() ? nullptr : &text);
-}
-
 constexpr Field<Meaning> kErrorFields[] = {
     {"CODE", "code", "the code", [](const Meaning& meaning) { return numberValue(meaning.code); },
      kEverywhere, Align::kRight},
@@ -33,9 +26,11 @@ constexpr Field<Meaning> kErrorFields[] = {
      [](const Meaning& meaning) { return textValue(fmt::format("0x{:08x}", meaning.code)); }},
     {"SOURCE", "source", "whose code it is: quista, WMI or Windows",
      [](const Meaning& meaning) { return textValue(meaning.source); }},
-    {"NAME", "name", "its name", [](const Meaning& meaning) { return textOrDash(meaning.name); }},
+    {"NAME", "name", "its name",
+     [](const Meaning& meaning) { return textUnlessEmpty(meaning.name); }},
     {"TEXT", "text", "its message text",
-     [](const Meaning& meaning) { return textOrDash(meaning.text); }, kEverywhere, Align::kText},
+     [](const Meaning& meaning) { return textUnlessEmpty(meaning.text); }, kEverywhere,
+     Align::kText},
 };
 
 Fields<Meaning> errorFields() {
@@ -88,10 +83,8 @@ class ErrorsCommand final : public Command {
     }
     std::vector<FieldHelp> fields() const override { return fieldHelp(errorFields()); }
 
-    void declare(CLI::App& app) override {
-        app.add_option("CODE", code_, "Status code, Win32 error or HRESULT")
-            ->check(CLI::Validator(checkCode, ""))
-            ->type_name("");
+    void declare(Arguments& arguments) override {
+        arguments.optional("CODE", code_, "Status code, Win32 error or HRESULT", checkCode);
     }
 
     void execute(const Context&, Report& report) override {

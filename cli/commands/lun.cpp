@@ -1,9 +1,6 @@
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 
-#include "cli/arguments.h"
 #include "cli/command.h"
+#include "cli/host_adapters.h"
 #include "cli/inventory.h"
 #include "cli/lun_fields.h"
 #include "cli/path_fields.h"
@@ -20,22 +17,23 @@ class LunCommand final : public Command {
     }
     std::vector<FieldHelp> fields() const override {
         std::vector<FieldHelp> help = fieldHelp(lunFields());
-        const std::vector<FieldHelp> ofPaths = fieldHelp(pathFields());
+        const std::vector<FieldHelp> ofPaths = fieldHelp(pathAndAdapterFields());
         help.insert(help.end(), ofPaths.begin(), ofPaths.end());
         return help;
     }
 
-    void declare(CLI::App& app) override {
-        addSerial(app, serial_, "Serial number of the LUN")->required();
+    void declare(Arguments& arguments) override {
+        arguments.required("SERIAL", serial_, "Serial number of the LUN");
     }
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
-        const std::vector<Lun> luns = selectLuns(readLuns(session, report), serial_, report);
+        std::vector<Lun> luns = selectLuns(readLuns(session, report), serial_, report);
+        findAdapters(session, luns, Severity::kWarning, report);
         Section section = sectionOf("luns", kDetails, lunFields(), luns);
         for (std::size_t i = 0; i < luns.size(); ++i) {
             section.rows[i].children.push_back(
-                sectionOf("paths", kNested, pathFields(), pathsOf(luns[i])));
+                sectionOf("paths", kNested, pathAndAdapterFields(), pathsOf(luns[i])));
         }
         report.sections.push_back(std::move(section));
     }

@@ -1,7 +1,4 @@
 // The commands that steer one path: activate, passivate, enable, disable, refresh, weight.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 
 #include "cli/change.h"
@@ -70,15 +67,6 @@ constexpr Action kActions[] = {
      [](const Path& path, std::uint32_t weight) { return path.weight == weight; }, true},
 };
 
-std::optional<PathOfLun> findPath(const std::vector<Lun>& luns, std::uint32_t id) {
-    for (const Lun& lun : luns) {
-        for (const Path& path : lun.paths) {
-            if (path.id == id) return PathOfLun{&lun, &path};
-        }
-    }
-    return std::nullopt;
-}
-
 class PathCommand final : public Command {
   public:
     explicit PathCommand(const Action& action) : action_(action) {}
@@ -88,21 +76,16 @@ class PathCommand final : public Command {
     const char* example() const override { return action_.example; }
     std::vector<FieldHelp> fields() const override { return fieldHelp(pathFields()); }
 
-    void declare(CLI::App& app) override {
-        app.add_option("ID", id_, "Identifier of the path, as paths prints it")
-            ->required()
-            ->check(CLI::Validator(checkPathId, ""))
-            ->type_name("");
+    void declare(Arguments& arguments) override {
+        arguments.required("ID", id_, "Identifier of the path, as paths prints it", checkPathId);
         if (action_.takesWeight) {
-            app.add_option("N", weight_, "The weight; the path of the lowest one is preferred")
-                ->required()
-                ->check(CLI::Validator(checkNumber, ""))
-                ->type_name("");
+            arguments.required("N", weight_, "The weight; the path of the lowest one is preferred",
+                               checkNumber);
         }
         if (action_.endsTraffic) {
-            app.add_flag("--force", isForced_, "Also when it is the last available path");
+            arguments.flag("--force", isForced_, "Also when it is the last available path");
         }
-        addChangeOptions(app, changeOptions_, action_.endsTraffic);
+        addChangeOptions(arguments, changeOptions_, action_.endsTraffic);
     }
 
     void execute(const Context& context, Report& report) override {
@@ -110,11 +93,8 @@ class PathCommand final : public Command {
         const std::uint32_t weight = parseNumber(weight_).value_or(0);
         Session session(context);
         const std::vector<Lun> before = readLuns(session, report);
-        const auto path = findPath(before, id);
-        if (!path) {
-            failUnknown(id, before, report);
-            return;
-        }
+        const auto path = selectPath(before, id, report);
+        if (!path) return;
         if (action_.endsTraffic && !isForced_) refuseLastPath(session, *path);
         Change change(session, context, report, describe(*path));
         if (change.isWanted(changeOptions_, action_.endsTraffic)) {
@@ -125,14 +105,6 @@ class PathCommand final : public Command {
     }
 
   private:
-    static void failUnknown(std::uint32_t id, const std::vector<Lun>& luns, Report& report) {
-        report.add(Severity::kError, "no path " + formatPathId(id), DSM_PATH_NOT_FOUND,
-                   "quistactl paths lists the identifiers.");
-        report.fail(ExitCode::kNotFound, DSM_PATH_NOT_FOUND);
-        // It may be a path of a LUN that cannot be read.
-        reportGaps(luns, report);
-    }
-
     std::string describe(const PathOfLun& path) const {
         std::string text = fmt::format("{} the path {} of the LUN {}", action_.verb,
                                        formatPathId(path.path->id), path.lun->serialText);

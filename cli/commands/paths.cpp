@@ -1,5 +1,5 @@
-#include "cli/arguments.h"
 #include "cli/command.h"
+#include "cli/host_adapters.h"
 #include "cli/inventory.h"
 #include "cli/path_fields.h"
 
@@ -13,9 +13,11 @@ class PathsCommand final : public Command {
     const char* example() const override {
         return "quistactl paths kvA7r2Qm9T01   the paths of one LUN";
     }
-    std::vector<FieldHelp> fields() const override { return fieldHelp(pathFields()); }
+    std::vector<FieldHelp> fields() const override { return fieldHelp(pathAndAdapterFields()); }
 
-    void declare(CLI::App& app) override { addSerial(app, serial_, "Serial number of a LUN"); }
+    void declare(Arguments& arguments) override {
+        arguments.optional("SERIAL", serial_, "Serial number of a LUN");
+    }
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
@@ -25,12 +27,13 @@ class PathsCommand final : public Command {
         } else {
             luns = selectLuns(luns, serial_, report);
         }
+        findAdapters(session, luns, Severity::kWarning, report);
         std::vector<PathOfLun> paths;
         for (const Lun& lun : luns) {
             const std::vector<PathOfLun> ofLun = pathsOf(lun);
             paths.insert(paths.end(), ofLun.begin(), ofLun.end());
         }
-        report.sections.push_back(sectionOf("paths", kTable, pathFields(), paths));
+        report.sections.push_back(sectionOf("paths", kTable, pathAndAdapterFields(), paths));
         if (paths.empty() && report.exitCode == ExitCode::kDone) {
             report.add(Severity::kInfo, "no paths found");
         }

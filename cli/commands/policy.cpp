@@ -1,12 +1,8 @@
 // The commands for load-balance policies: policy show, set and default.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <fmt/format.h>
 #include <memory>
 
-#include "cli/arguments.h"
 #include "cli/change.h"
 #include "cli/chatter_guard.h"
 #include "cli/command.h"
@@ -121,8 +117,8 @@ class PolicyShowCommand final : public Command {
     std::vector<FieldHelp> fields() const override {
         return fieldHelp(Fields<PolicyOfLun>(kPolicyFields));
     }
-    void declare(CLI::App& app) override {
-        addSerial(app, serial_, "Serial number of the LUN")->required();
+    void declare(Arguments& arguments) override {
+        arguments.required("SERIAL", serial_, "Serial number of the LUN");
     }
 
     void execute(const Context& context, Report& report) override {
@@ -146,13 +142,10 @@ class PolicySetCommand final : public Command {
     const char* summary() const override { return "Set a LUN's policy"; }
     const char* example() const override { return "quistactl policy set kvA7r2Qm9T01 round-robin"; }
     std::vector<FieldHelp> fields() const override { return fieldHelp(lunFields()); }
-    void declare(CLI::App& app) override {
-        addSerial(app, serial_, "Serial number of the LUN")->required();
-        app.add_option("POLICY", policy_, "The policy, by number or name")
-            ->required()
-            ->check(CLI::Validator(checkPolicy, ""))
-            ->type_name("");
-        addChangeOptions(app, changeOptions_, true);
+    void declare(Arguments& arguments) override {
+        arguments.required("SERIAL", serial_, "Serial number of the LUN");
+        arguments.required("POLICY", policy_, "The policy, by number or name", checkPolicy);
+        addChangeOptions(arguments, changeOptions_, true);
     }
 
     void execute(const Context& context, Report& report) override {
@@ -206,11 +199,9 @@ class PolicyDefaultCommand final : public Command {
     std::vector<FieldHelp> fields() const override {
         return fieldHelp(Fields<std::uint32_t>(kDefaultFields));
     }
-    void declare(CLI::App& app) override {
-        app.add_option("POLICY", policy_, "The policy to set, by number or name")
-            ->check(CLI::Validator(checkPolicy, ""))
-            ->type_name("");
-        addChangeOptions(app, changeOptions_, false);
+    void declare(Arguments& arguments) override {
+        arguments.optional("POLICY", policy_, "The policy to set, by number or name", checkPolicy);
+        addChangeOptions(arguments, changeOptions_, false);
     }
 
     void execute(const Context& context, Report& report) override {

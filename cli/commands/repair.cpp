@@ -1,6 +1,3 @@
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 
 #include "cli/change.h"
 #include "cli/command.h"
@@ -63,9 +60,9 @@ class RepairCommand final : public Command {
         return fieldHelp(Fields<ClassSet>(kClassFields));
     }
 
-    void declare(CLI::App& app) override {
-        app.add_flag("--mpio", withMpio_, "MPIO's classes as well");
-        addChangeOptions(app, changeOptions_, true);
+    void declare(Arguments& arguments) override {
+        arguments.flag("--mpio", withMpio_, "MPIO's classes as well");
+        addChangeOptions(arguments, changeOptions_, true);
     }
 
     void execute(const Context& context, Report& report) override {

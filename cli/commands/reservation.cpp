@@ -1,10 +1,6 @@
 // The commands for the persistent reservation key: reservation show and set.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 
-#include "cli/arguments.h"
 #include "cli/change.h"
 #include "cli/command.h"
 #include "cli/format.h"
@@ -30,10 +26,6 @@ struct PlacedKey {
     std::optional<Key> key;
 };
 
-Value optionalText(const std::optional<std::string>& text) {
-    return textOrNothing(text ? &*text : nullptr);
-}
-
 constexpr Field<PlacedKey> kKeyFields[] = {
     {"PLACE", "place", "where the key is: registry or LUN",
      [](const PlacedKey& k) { return textValue(k.place); }},
@@ -41,7 +33,7 @@ constexpr Field<PlacedKey> kKeyFields[] = {
      [](const PlacedKey& k) { return optionalText(k.serialNumber); }},
     {"KEY", "key", "persistent reservation key, 16 hexadecimal digits",
      [](const PlacedKey& k) {
-         return k.key ? textValue(formatReservationKey(*k.key)) : textOrNothing(nullptr);
+         return k.key ? textValue(formatReservationKey(*k.key)) : nothing();
      }},
 };
 
@@ -92,7 +84,9 @@ class ReservationShowCommand final : public Command {
     }
     const char* example() const override { return "quistactl reservation show kvA7r2Qm9T01"; }
     std::vector<FieldHelp> fields() const override { return keyHelp(); }
-    void declare(CLI::App& app) override { addSerial(app, serial_, "Serial number of a LUN"); }
+    void declare(Arguments& arguments) override {
+        arguments.optional("SERIAL", serial_, "Serial number of a LUN");
+    }
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
@@ -119,14 +113,11 @@ class ReservationSetCommand final : public Command {
     const char* example() const override { return "quistactl reservation set 4b56000000005a01"; }
     std::vector<FieldHelp> fields() const override { return keyHelp(); }
 
-    void declare(CLI::App& app) override {
-        app.add_option("KEY", key_, "The key, 16 hexadecimal digits")
-            ->required()
-            ->check(CLI::Validator(checkReservationKey, ""))
-            ->type_name("");
-        app.add_flag("--registry", inRegistry_, "Set it in the registry alone");
-        app.add_flag("--driver", inDriver_, "Set it in the driver alone");
-        addChangeOptions(app, changeOptions_, true);
+    void declare(Arguments& arguments) override {
+        arguments.required("KEY", key_, "The key, 16 hexadecimal digits", checkReservationKey);
+        arguments.flag("--registry", inRegistry_, "Set it in the registry alone");
+        arguments.flag("--driver", inDriver_, "Set it in the driver alone");
+        addChangeOptions(arguments, changeOptions_, true);
     }
 
     void execute(const Context& context, Report& report) override {

@@ -1,7 +1,4 @@
 // The commands for numbers that have a name: MPIO's timers, and the parameters of the DSM.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <limits>
 #include <span>
@@ -141,10 +138,7 @@ constexpr Field<ReadSetting> kSettingFields[] = {
     {"VALUE", "value", "its value", [](const ReadSetting& s) { return numberValue(s.value); },
      kEverywhere, Align::kRight},
     {"UNIT", "unit", "unit of the value: s for seconds",
-     [](const ReadSetting& s) {
-         const std::string unit = s.setting->unit;
-         return textOrNothing(unit.empty() ? nullptr : &unit);
-     }},
+     [](const ReadSetting& s) { return textUnlessEmpty(s.setting->unit); }},
     {"MEANING", "meaning", "what it is",
      [](const ReadSetting& s) { return textValue(s.setting->meaning); }, kEverywhere, Align::kText},
 };
@@ -214,17 +208,11 @@ class SetCommand final : public Command {
     const char* example() const override { return group_.setExample; }
     std::vector<FieldHelp> fields() const override { return settingHelp(); }
 
-    void declare(CLI::App& app) override {
-        app.add_option("NAME", name_, "What to set; case does not count")
-            ->required()
-            ->check(CLI::Validator(
-                [this](const std::string& text) { return checkName(group_, text); }, ""))
-            ->type_name("");
-        app.add_option("VALUE", value_, "Its new value")
-            ->required()
-            ->check(CLI::Validator(checkNumber, ""))
-            ->type_name("");
-        addChangeOptions(app, changeOptions_, false);
+    void declare(Arguments& arguments) override {
+        arguments.required("NAME", name_, "What to set; case does not count",
+                           [this](const std::string& text) { return checkName(group_, text); });
+        arguments.required("VALUE", value_, "Its new value", checkNumber);
+        addChangeOptions(arguments, changeOptions_, false);
     }
 
     void execute(const Context& context, Report& report) override {

@@ -1,11 +1,7 @@
 #include <windows.h>
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 
-#include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/failure.h"
 #include "cli/simulated_host.h"
@@ -36,20 +32,12 @@ class SimulateNewCommand final : public Command {
         return fieldHelp(Fields<MadeHost>(kHostFields));
     }
 
-    void declare(CLI::App& app) override {
-        app.add_option("FILE", file_, "File of the new host")
-            ->required()
-            ->check(CLI::Validator(checkNotEmpty, ""))
-            ->type_name("");
-        app.add_option("--from", source_, "Sample or MOF file to begin with")
-            ->check(CLI::Validator(checkNotEmpty, ""))
-            ->type_name("SAMPLE")
-            ->capture_default_str();
-        app.add_option("--without", lost_,
-                       "Leave out the classes of korvadsm, pdo, lbpolicy or mpio, for repair")
-            ->check(CLI::Validator(checkNotEmpty, ""))
-            ->type_name("CLASSES");
-        app.add_flag("--force", isForced_, "Overwrite a file that exists");
+    void declare(Arguments& arguments) override {
+        arguments.required("FILE", file_, "File of the new host");
+        arguments.option("--from", "SAMPLE", source_, "Sample or MOF file to begin with");
+        arguments.option("--without", "CLASSES", lost_,
+                         "Leave out the classes of korvadsm, pdo, lbpolicy or mpio, for repair");
+        arguments.flag("--force", isForced_, "Overwrite a file that exists");
     }
 
     void execute(const Context& context, Report& report) override {

@@ -9,10 +9,6 @@
 namespace quista::cli {
 namespace {
 
-Value optionalText(const std::optional<std::string>& text) {
-    return textOrNothing(text ? &*text : nullptr);
-}
-
 // Yes is as it should be.
 Value isThere(bool value) {
     return shownAs(value ? "yes" : "no", value, value ? Tone::kGood : Tone::kBad);
@@ -26,9 +22,7 @@ constexpr Field<Framework> kStatusFields[] = {
     {"DSM LOADED", "dsmLoaded", "whether a controller is served by the vendor's DSM",
      [](const Framework& f) { return isThere(f.isDsmLoaded); }},
     {"MPIO DISKS", "mpioDisks", "number of disks that MPIO counts, of all DSMs",
-     [](const Framework& f) {
-         return f.mpioDisks ? numberValue(*f.mpioDisks) : textOrNothing(nullptr);
-     }},
+     [](const Framework& f) { return optionalNumber(f.mpioDisks); }},
 };
 
 constexpr Field<Controller> kControllerFields[] = {

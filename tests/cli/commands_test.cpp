@@ -187,11 +187,11 @@ CLUSTER TYPE            two nodes (1)
 RESERVATION KEY         4b56000000005a01
 INSTANCE NAME           MPIO\Disk&Ven_KORVA&Prod_LUN&Rev_0.2\1&7f6ac24&0&6b7641377232516d39543032_0
 
-ID          STATE       PROTOCOL  ADDRESS  PRIMARY  PROXY  WEIGHT  TARGET                   TARGET NODE              PORTAL GROUP  ALUA          TPG STATE                 PATH ID     TARGET ADAPTER
-0x00000201  active (1)  FC        2:0:0:1  yes      no          0  50:24:b5:61:4a:10:00:00  50:24:b5:60:4a:10:00:00             -  implicit (1)  active/optimized (0)      0x77020000  alpha-a:fc0
-0x00000202  active (1)  FC        3:0:0:1  yes      no          0  50:24:b5:62:4a:10:00:00  50:24:b5:60:4a:10:00:00             -  implicit (1)  active/optimized (0)      0x77030000  alpha-a:fc1
-0x80000203  active (1)  FC        2:0:1:1  no       yes         0  50:24:b5:69:4a:10:00:00  50:24:b5:60:4a:10:00:00             -  implicit (1)  active/non-optimized (1)  0x77020001  alpha-b:fc0
-0x00000204  active (1)  FC        3:0:1:1  no       yes         0  50:24:b5:6a:4a:10:00:00  50:24:b5:60:4a:10:00:00             -  implicit (1)  active/non-optimized (1)  0x77030001  alpha-b:fc1
+ID          STATE       PROTOCOL  ADDRESS  PRIMARY  PROXY  WEIGHT  TARGET                   TARGET NODE              PORTAL GROUP  ALUA          TPG STATE                 PATH ID     TARGET ADAPTER  ADAPTER   ADAPTER ADDRESS
+0x00000201  active (1)  FC        2:0:0:1  yes      no          0  50:24:b5:61:4a:10:00:00  50:24:b5:60:4a:10:00:00             -  implicit (1)  active/optimized (0)      0x77020000  alpha-a:fc0     fc-hba-0  21:00:00:24:ff:3c:5a:10
+0x00000202  active (1)  FC        3:0:0:1  yes      no          0  50:24:b5:62:4a:10:00:00  50:24:b5:60:4a:10:00:00             -  implicit (1)  active/optimized (0)      0x77030000  alpha-a:fc1     fc-hba-0  21:00:00:24:ff:3c:5a:11
+0x80000203  active (1)  FC        2:0:1:1  no       yes         0  50:24:b5:69:4a:10:00:00  50:24:b5:60:4a:10:00:00             -  implicit (1)  active/non-optimized (1)  0x77020001  alpha-b:fc0     fc-hba-0  21:00:00:24:ff:3c:5a:10
+0x00000204  active (1)  FC        3:0:1:1  no       yes         0  50:24:b5:6a:4a:10:00:00  50:24:b5:60:4a:10:00:00             -  implicit (1)  active/non-optimized (1)  0x77030001  alpha-b:fc1     fc-hba-0  21:00:00:24:ff:3c:5a:11
 )");
 }
 
@@ -264,28 +264,28 @@ TEST_F(PathsTest, AllPathsOfTheStandardHost) {
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(
         run.out,
-        R"(SERIAL        ID          STATE        PROTOCOL  ADDRESS  PRIMARY  PROXY  WEIGHT  TARGET                   TARGET ADAPTER
-kvA7r2Qm9T01  0x00000101  active (1)   FC        2:0:0:0  yes      no          0  50:24:b5:61:4a:10:00:00  alpha-a:fc0
-kvA7r2Qm9T01  0x00000102  active (1)   FC        3:0:0:0  yes      no          0  50:24:b5:62:4a:10:00:00  alpha-a:fc1
-kvA7r2Qm9T01  0x00000103  passive (2)  FC        2:0:1:0  no       yes         0  50:24:b5:69:4a:10:00:00  alpha-b:fc0
-kvA7r2Qm9T01  0x00000104  passive (2)  FC        3:0:1:0  no       yes         0  50:24:b5:6a:4a:10:00:00  alpha-b:fc1
-kvA7r2Qm9T02  0x00000201  active (1)   FC        2:0:0:1  yes      no          0  50:24:b5:61:4a:10:00:00  alpha-a:fc0
-kvA7r2Qm9T02  0x00000202  active (1)   FC        3:0:0:1  yes      no          0  50:24:b5:62:4a:10:00:00  alpha-a:fc1
-kvA7r2Qm9T02  0x80000203  active (1)   FC        2:0:1:1  no       yes         0  50:24:b5:69:4a:10:00:00  alpha-b:fc0
-kvA7r2Qm9T02  0x00000204  active (1)   FC        3:0:1:1  no       yes         0  50:24:b5:6a:4a:10:00:00  alpha-b:fc1
-kvA7r2Qm9U01  0x00000301  active (1)   FC        2:0:1:2  yes      no          0  50:24:b5:69:4a:10:00:00  alpha-b:fc0
-kvA7r2Qm9U01  0x00000302  passive (2)  FC        3:0:1:2  no       no          0  50:24:b5:6a:4a:10:00:00  alpha-b:fc1
-kvA7r2Qm9W01  0x00000401  active (1)   FC        2:0:0:3  yes      no          0  50:24:b5:61:4a:10:00:00  alpha-a:fc0
-kvA7r2Qm9W01  0x00000402  passive (2)  FC        3:0:0:3  no       no         10  50:24:b5:62:4a:10:00:00  alpha-a:fc1
-kvA7r2Qm9W01  0x00000403  passive (2)  FC        2:0:1:3  no       yes       100  50:24:b5:69:4a:10:00:00  alpha-b:fc0
-kvB3h8Ls4E01  0x00000501  active (1)   iSCSI     4:0:0:0  yes      no          0  192.168.10.21:3260       beta:ip0
-kvB3h8Ls4E01  0x00000502  active (1)   iSCSI     4:0:1:0  yes      no          0  192.168.20.21:3260       beta:ip1
-kvB3h8Ls4E02  0x00000601  active (1)   iSCSI     4:0:2:1  yes      no          0  [fd4b:5600:10::21]:3260  beta:ip0
-kvB3h8Ls4E02  0x00000602  active (1)   iSCSI     4:0:3:1  yes      no          0  [fd4b:5600:20::21]:3260  beta:ip1
-kvA7r2Qm9X01  0x00000701  active (1)   FC        2:0:0:4  yes      no          0  50:24:b5:61:4a:10:00:00  alpha-a:fc0
-kvA7r2Qm9X01  0x00000702  passive (2)  FC        3:0:1:4  no       yes         0  50:24:b5:6a:4a:10:00:00  alpha-b:fc1
-kvA7r2Qm9X01  0x00000703  passive (2)  iSCSI     4:0:4:4  no       no          0  192.168.10.11:3260       alpha-a:ip0
-kvA7r2Qm9X01  0x00000704  passive (2)  iSCSI     4:0:5:4  no       no          0  [fd4b:5600:20::11]:3260  alpha-a:ip1
+        R"(SERIAL        ID          STATE        PROTOCOL  ADDRESS  PRIMARY  PROXY  WEIGHT  TARGET                   TARGET ADAPTER  ADAPTER
+kvA7r2Qm9T01  0x00000101  active (1)   FC        2:0:0:0  yes      no          0  50:24:b5:61:4a:10:00:00  alpha-a:fc0     fc-hba-0
+kvA7r2Qm9T01  0x00000102  active (1)   FC        3:0:0:0  yes      no          0  50:24:b5:62:4a:10:00:00  alpha-a:fc1     fc-hba-0
+kvA7r2Qm9T01  0x00000103  passive (2)  FC        2:0:1:0  no       yes         0  50:24:b5:69:4a:10:00:00  alpha-b:fc0     fc-hba-0
+kvA7r2Qm9T01  0x00000104  passive (2)  FC        3:0:1:0  no       yes         0  50:24:b5:6a:4a:10:00:00  alpha-b:fc1     fc-hba-0
+kvA7r2Qm9T02  0x00000201  active (1)   FC        2:0:0:1  yes      no          0  50:24:b5:61:4a:10:00:00  alpha-a:fc0     fc-hba-0
+kvA7r2Qm9T02  0x00000202  active (1)   FC        3:0:0:1  yes      no          0  50:24:b5:62:4a:10:00:00  alpha-a:fc1     fc-hba-0
+kvA7r2Qm9T02  0x80000203  active (1)   FC        2:0:1:1  no       yes         0  50:24:b5:69:4a:10:00:00  alpha-b:fc0     fc-hba-0
+kvA7r2Qm9T02  0x00000204  active (1)   FC        3:0:1:1  no       yes         0  50:24:b5:6a:4a:10:00:00  alpha-b:fc1     fc-hba-0
+kvA7r2Qm9U01  0x00000301  active (1)   FC        2:0:1:2  yes      no          0  50:24:b5:69:4a:10:00:00  alpha-b:fc0     fc-hba-0
+kvA7r2Qm9U01  0x00000302  passive (2)  FC        3:0:1:2  no       no          0  50:24:b5:6a:4a:10:00:00  alpha-b:fc1     fc-hba-0
+kvA7r2Qm9W01  0x00000401  active (1)   FC        2:0:0:3  yes      no          0  50:24:b5:61:4a:10:00:00  alpha-a:fc0     fc-hba-0
+kvA7r2Qm9W01  0x00000402  passive (2)  FC        3:0:0:3  no       no         10  50:24:b5:62:4a:10:00:00  alpha-a:fc1     fc-hba-0
+kvA7r2Qm9W01  0x00000403  passive (2)  FC        2:0:1:3  no       yes       100  50:24:b5:69:4a:10:00:00  alpha-b:fc0     fc-hba-0
+kvB3h8Ls4E01  0x00000501  active (1)   iSCSI     4:0:0:0  yes      no          0  192.168.10.21:3260       beta:ip0        MS-iSCSI-Initiator-0000_0
+kvB3h8Ls4E01  0x00000502  active (1)   iSCSI     4:0:1:0  yes      no          0  192.168.20.21:3260       beta:ip1        MS-iSCSI-Initiator-0000_0
+kvB3h8Ls4E02  0x00000601  active (1)   iSCSI     4:0:2:1  yes      no          0  [fd4b:5600:10::21]:3260  beta:ip0        MS-iSCSI-Initiator-0000_0
+kvB3h8Ls4E02  0x00000602  active (1)   iSCSI     4:0:3:1  yes      no          0  [fd4b:5600:20::21]:3260  beta:ip1        MS-iSCSI-Initiator-0000_0
+kvA7r2Qm9X01  0x00000701  active (1)   FC        2:0:0:4  yes      no          0  50:24:b5:61:4a:10:00:00  alpha-a:fc0     fc-hba-0
+kvA7r2Qm9X01  0x00000702  passive (2)  FC        3:0:1:4  no       yes         0  50:24:b5:6a:4a:10:00:00  alpha-b:fc1     fc-hba-0
+kvA7r2Qm9X01  0x00000703  passive (2)  iSCSI     4:0:4:4  no       no          0  192.168.10.11:3260       alpha-a:ip0     MS-iSCSI-Initiator-0000_0
+kvA7r2Qm9X01  0x00000704  passive (2)  iSCSI     4:0:5:4  no       no          0  [fd4b:5600:20::11]:3260  alpha-a:ip1     MS-iSCSI-Initiator-0000_0
 )");
 }
 
@@ -294,9 +294,9 @@ TEST_F(PathsTest, PathsOfOneLun) {
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(
         run.out,
-        R"(SERIAL        ID          STATE       PROTOCOL  ADDRESS  PRIMARY  PROXY  WEIGHT  TARGET              TARGET ADAPTER
-kvB3h8Ls4E01  0x00000501  active (1)  iSCSI     4:0:0:0  yes      no          0  192.168.10.21:3260  beta:ip0
-kvB3h8Ls4E01  0x00000502  active (1)  iSCSI     4:0:1:0  yes      no          0  192.168.20.21:3260  beta:ip1
+        R"(SERIAL        ID          STATE       PROTOCOL  ADDRESS  PRIMARY  PROXY  WEIGHT  TARGET              TARGET ADAPTER  ADAPTER
+kvB3h8Ls4E01  0x00000501  active (1)  iSCSI     4:0:0:0  yes      no          0  192.168.10.21:3260  beta:ip0        MS-iSCSI-Initiator-0000_0
+kvB3h8Ls4E01  0x00000502  active (1)  iSCSI     4:0:1:0  yes      no          0  192.168.20.21:3260  beta:ip1        MS-iSCSI-Initiator-0000_0
 )");
 }
 

@@ -46,6 +46,22 @@ TEST(FormatTest, Ipv6TakesTheFirstOfTwoEqualRuns) {
               "2001::1:1:0:0:1");
 }
 
+TEST(FormatTest, LongIpv6TextIsShortened) {
+    EXPECT_EQ(shortenIpv6("fd4b:5600:0010:0000:0000:0000:0000:0101"), "fd4b:5600:10::101");
+    EXPECT_EQ(shortenIpv6("FD4B:5600:0010:0000:0000:0000:0000:0101"), "fd4b:5600:10::101");
+    for (const char* other :
+         {"", "192.168.10.101", "host", "fd4b:5600:10::101",
+          "fd4b:5600:0010:0000:0000:0000:0000:01g1", "fd4b56000:010:0000:0000:0000:0000:0101",
+          "fd4b:5600:0010:0000:0000:0000:0000:01 1"}) {
+        EXPECT_EQ(shortenIpv6(other), other);
+    }
+}
+
+TEST(FormatTest, PortalPutsBracketsRoundIpv6) {
+    EXPECT_EQ(formatPortal("192.0.2.10", 3260), "192.0.2.10:3260");
+    EXPECT_EQ(formatPortal("2001:db8::1", 3260), "[2001:db8::1]:3260");
+}
+
 TEST(FormatTest, Ipv6WritesASingleZeroGroupOut) {
     EXPECT_EQ(formatIpv6({0x20, 0x01, 0x0d, 0xb8, 0, 0, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1}),
               "2001:db8:0:1:1:1:1:1");

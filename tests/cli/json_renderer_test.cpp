@@ -47,7 +47,7 @@ TEST(JsonRendererTest, OnlyJsonColumnsAppear) {
 }
 
 TEST(JsonRendererTest, ValuesKeepTheirTypes) {
-    EXPECT_EQ(firstThing(textOrNothing(nullptr))["value"], nullptr);
+    EXPECT_EQ(firstThing(nothing())["value"], nullptr);
     EXPECT_EQ(firstThing(yesOrNo(true))["value"], true);
     EXPECT_EQ(firstThing(shownAs("1.0 KiB", std::uint64_t{1024}))["value"], 1024);
 }

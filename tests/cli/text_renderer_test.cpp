@@ -11,11 +11,10 @@ Section volumes() {
                        {"SIZE", "size", Align::kRight, kEverywhere},
                        {"", "exact", Align::kLeft, kJson},
                        {"STATE", "state", Align::kLeft, kEverywhere}};
-    const Value nothing = textOrNothing(nullptr);
     section.rows.push_back(
-        {{textValue("db"), textValue("1.5 TiB"), nothing, shownAs("ok", "ok", Tone::kGood)}, {}});
+        {{textValue("db"), textValue("1.5 TiB"), nothing(), shownAs("ok", "ok", Tone::kGood)}, {}});
     section.rows.push_back(
-        {{textValue("K\xc3\xb6ln \xe5\x8f\xb0"), textValue("8 B"), nothing, nothing}, {}});
+        {{textValue("K\xc3\xb6ln \xe5\x8f\xb0"), textValue("8 B"), nothing(), nothing()}, {}});
     return section;
 }
 

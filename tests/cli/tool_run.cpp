@@ -75,7 +75,7 @@ ToolRun runTool(const std::vector<std::string>& arguments, const ToolSettings& s
     return run;
 }
 
-ToolRun runProgramFile(const std::wstring& arguments) {
+ToolRun runProgramFile(const std::wstring& arguments, const std::wstring& programFolder) {
     const std::wstring outFile = outputFile(L"out");
     const std::wstring errFile = outputFile(L"err");
     STARTUPINFOW startup{};
@@ -83,7 +83,7 @@ ToolRun runProgramFile(const std::wstring& arguments) {
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = openInherited(outFile);
     startup.hStdError = openInherited(errFile);
-    const std::wstring program = productFolder() + L"\\quistactl.exe";
+    const std::wstring program = programFolder + L"\\quistactl.exe";
     std::wstring commandLine = L"\"" + program + L"\" " + arguments;
     PROCESS_INFORMATION process{};
     ToolRun run;

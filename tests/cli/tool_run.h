@@ -26,11 +26,12 @@ struct ToolSettings {
 /// Runs in the test's process.
 ToolRun runTool(const std::vector<std::string>& arguments, const ToolSettings& settings = {});
 
-/// Starts quistactl.exe in the current folder, both outputs going to files.
-ToolRun runProgramFile(const std::wstring& arguments);
-
 /// The folder of quista.dll and the programs.
 std::wstring productFolder();
+
+/// Starts the quistactl.exe of a folder in the current one, both outputs going to files.
+ToolRun runProgramFile(const std::wstring& arguments,
+                       const std::wstring& programFolder = productFolder());
 
 /// An environment variable of the process for the life of the object.
 class EnvironmentVariable {
