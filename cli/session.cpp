@@ -23,10 +23,11 @@ std::optional<SimulatedHost> openHost(const Context& context) {
 }
 
 // The simulator's own class files stand for those of an installation.
-std::optional<SimulatedRegistry> openRegistry(const Context& context) {
-    if (context.options.simulatedHost.empty()) return std::nullopt;
+std::optional<SimulatedRegistry> openRegistry(const Context& context,
+                                              const std::optional<SimulatedHost>& host) {
+    if (!host) return std::nullopt;
     return std::optional<SimulatedRegistry>(std::in_place,
-                                            context.process.folder + L"\\hosts\\classes\\");
+                                            context.process.folder + L"\\hosts\\classes\\", *host);
 }
 
 }  // namespace
@@ -56,7 +57,7 @@ Session::Session(const Context& context)
     : watchdog_(context.watchdog),
       programFolder_(context.process.folder),
       host_(openHost(context)),
-      registry_(openRegistry(context)),
+      registry_(openRegistry(context, host_)),
       status_(call("DSMInitialize", [] { return DSMInitialize(0); })) {}
 
 Session::~Session() {
@@ -76,7 +77,9 @@ void Session::provideAdapters() {
 }
 
 void Session::keepChanges(Report& report) {
-    if (!host_ || !host_->isChanged()) return;
+    if (!host_) return;
+    registry_->keepChanges(*host_);
+    if (!host_->isChanged()) return;
     if (!host_->isSample()) {
         host_->save();
         return;

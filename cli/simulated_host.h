@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/text.h"
 #include "simulator/simulator.h"
@@ -24,6 +25,15 @@ class SimulatedHost {
     /// A sample is shared by all, and never changed.
     bool isSample() const { return simulator_->isSample(toWide(name_)); }
     bool isChanged() const { return simulator_->isChanged(); }
+    /// Binary values of the host's registry, as the simulator keeps them; empty for none.
+    std::vector<unsigned char> registryValue(const std::wstring& keyPath,
+                                             const std::wstring& valueName) const {
+        return simulator_->registryValue(keyPath, valueName);
+    }
+    void setRegistryValue(const std::wstring& keyPath, const std::wstring& valueName,
+                          const std::vector<unsigned char>& bytes) {
+        simulator_->setRegistryValue(keyPath, valueName, bytes);
+    }
     /// Lets the host lose the classes of one of the simulator's class files, such as "korvadsm".
     /// Throws UsageError.
     void removeClasses(const std::string& classFile);

@@ -1,5 +1,7 @@
 #include "cli/simulated_registry.h"
 
+#include <vector>
+
 #include "cli/failure.h"
 #include "frame/brand.h"
 
@@ -9,6 +11,17 @@ namespace {
 constexpr const wchar_t* kParent = L"Software\\Quista Simulator";
 constexpr const wchar_t* kServiceParameters =
     L"SYSTEM\\CurrentControlSet\\Services\\korvadsm\\Parameters";
+
+constexpr const wchar_t* kReservationKey = L"PersistentReservationKey";
+
+std::vector<unsigned char> readReservationKey(HKEY root) {
+    std::vector<unsigned char> bytes(64);
+    DWORD size = static_cast<DWORD>(bytes.size());
+    const LSTATUS status = RegGetValueW(root, kServiceParameters, kReservationKey, RRF_RT_ANY,
+                                        nullptr, bytes.data(), &size);
+    bytes.resize(status == ERROR_SUCCESS ? size : 0);
+    return bytes;
+}
 
 HKEY makeKey(HKEY parent, const std::wstring& path) {
     HKEY key = nullptr;
@@ -21,7 +34,7 @@ HKEY makeKey(HKEY parent, const std::wstring& path) {
 
 }  // namespace
 
-SimulatedRegistry::SimulatedRegistry(const std::wstring& installDir)
+SimulatedRegistry::SimulatedRegistry(const std::wstring& installDir, const SimulatedHost& host)
     : path_(std::wstring(kParent) + L"\\" + std::to_wstring(GetCurrentProcessId())),
       root_(makeKey(HKEY_CURRENT_USER, path_)) {
     const HKEY brand = makeKey(root_, kVelmoraKey);
@@ -29,7 +42,13 @@ SimulatedRegistry::SimulatedRegistry(const std::wstring& installDir)
                    reinterpret_cast<const BYTE*>(installDir.c_str()),
                    static_cast<DWORD>((installDir.size() + 1) * sizeof(wchar_t)));
     RegCloseKey(brand);
-    RegCloseKey(makeKey(root_, kServiceParameters));
+    const HKEY parameters = makeKey(root_, kServiceParameters);
+    const std::vector<unsigned char> key = host.registryValue(kServiceParameters, kReservationKey);
+    if (!key.empty()) {
+        RegSetValueExW(parameters, kReservationKey, 0, REG_BINARY, key.data(),
+                       static_cast<DWORD>(key.size()));
+    }
+    RegCloseKey(parameters);
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, root_);
 }
 
@@ -38,6 +57,12 @@ SimulatedRegistry::~SimulatedRegistry() {
     RegCloseKey(root_);
     RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
     RegDeleteKeyW(HKEY_CURRENT_USER, path_.c_str());
+}
+
+void SimulatedRegistry::keepChanges(SimulatedHost& host) const {
+    const std::vector<unsigned char> key = readReservationKey(root_);
+    if (key == host.registryValue(kServiceParameters, kReservationKey)) return;
+    host.setRegistryValue(kServiceParameters, kReservationKey, key);
 }
 
 }  // namespace quista::cli

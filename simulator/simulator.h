@@ -135,6 +135,13 @@ class Simulator {
     virtual void setTracing(bool enabled) = 0;
     virtual LiveObjects liveObjects() const = 0;
 
+    /// A binary value of the simulated host's registry, below HKEY_LOCAL_MACHINE; empty when there
+    /// is none. The host keeps such values, but plays no registry: that is its user's to do.
+    virtual std::vector<unsigned char> registryValue(const std::wstring& keyPath,
+                                                     const std::wstring& valueName) const = 0;
+    virtual void setRegistryValue(const std::wstring& keyPath, const std::wstring& valueName,
+                                  const std::vector<unsigned char>& bytes) = 0;
+
     /// Whether `load` takes the text for the name of a sample host.
     virtual bool isSample(const std::wstring& fileOrSample) const = 0;
     /// Whether the repository differs from what the last `load` or `save` left.

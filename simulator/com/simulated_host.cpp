@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "simulator/com/registry_values.h"
 #include "simulator/com/sample_hosts.h"
 #include "simulator/driver/mof_arrival.h"
 #include "simulator/driver/published_classes.h"
@@ -153,6 +154,16 @@ void SimulatedHost::setTracing(bool enabled) {
 
 LiveObjects SimulatedHost::liveObjects() const {
     return host_->ledger.counts();
+}
+
+std::vector<unsigned char> SimulatedHost::registryValue(const std::wstring& keyPath,
+                                                        const std::wstring& valueName) const {
+    return simulator::registryValue(host_->repository, keyPath, valueName);
+}
+
+void SimulatedHost::setRegistryValue(const std::wstring& keyPath, const std::wstring& valueName,
+                                     const std::vector<unsigned char>& bytes) {
+    simulator::setRegistryValue(host_->repository, keyPath, valueName, bytes);
 }
 
 bool SimulatedHost::isSample(const std::wstring& fileOrSample) const {

@@ -49,6 +49,11 @@ class SimulatedHost final : public Simulator {
     void setTracing(bool enabled) override;
     LiveObjects liveObjects() const override;
 
+    std::vector<unsigned char> registryValue(const std::wstring& keyPath,
+                                             const std::wstring& valueName) const override;
+    void setRegistryValue(const std::wstring& keyPath, const std::wstring& valueName,
+                          const std::vector<unsigned char>& bytes) override;
+
     bool isSample(const std::wstring& fileOrSample) const override;
     bool isChanged() const override;
     bool save(const std::wstring& file, LoadError& error) override;

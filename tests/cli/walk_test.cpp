@@ -49,8 +49,10 @@ TEST_F(OwnHostTest, Walk) {
     EXPECT_EQ(jsonOnHost({"lun", "kvA7r2Qm9T02"})["luns"][0]["policy"], 2);
 
     EXPECT_EQ(onHost({"reservation", "set", "0123456789abcdef"}).exitCode, 0);
-    EXPECT_EQ(jsonOnHost({"reservation", "show", "kvA7r2Qm9T02"})["keys"][1]["key"],
-              "0123456789abcdef");
+    const json keys = jsonOnHost({"reservation", "show", "kvA7r2Qm9T02"})["keys"];
+    EXPECT_EQ(keys[0]["place"], "registry");
+    EXPECT_EQ(keys[0]["key"], "0123456789abcdef");
+    EXPECT_EQ(keys[1]["key"], "0123456789abcdef");
 
     rewriteHost([](SimulatedHost& host) { host->removeClass(kWmi, L"KORVADSM_LUNINFO"); });
     EXPECT_EQ(onHost({"repair"}).exitCode, 0);

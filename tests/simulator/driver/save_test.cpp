@@ -58,6 +58,23 @@ TEST_F(SaveTest, LoadingItGivesTheSameHost) {
     }
 }
 
+TEST_F(SaveTest, RegistryValuesAreKept) {
+    const std::wstring key = L"SYSTEM\\Parameters";
+    loadHost(L"bare");
+    EXPECT_EQ(host().registryValue(key, L"Key"), std::vector<unsigned char>());
+    host().setRegistryValue(key, L"Other", {9});
+    host().setRegistryValue(key, L"Key", {1});
+    host().setRegistryValue(key, L"Key", {0, 0x80, 0xFF});
+    EXPECT_TRUE(host().isChanged());
+    ASSERT_TRUE(save()) << shown(error_.reason);
+    host().clear();
+    EXPECT_EQ(host().registryValue(key, L"Key"), std::vector<unsigned char>());
+    ASSERT_TRUE(host().load(file_.wstring(), error_)) << shown(error_.reason);
+    EXPECT_EQ(host().registryValue(L"system\\parameters", L"KEY"),
+              (std::vector<unsigned char>{0, 0x80, 0xFF}));
+    EXPECT_EQ(host().registryValue(key, L"Other"), (std::vector<unsigned char>{9}));
+}
+
 TEST_F(SaveTest, Changes_Last) {
     ASSERT_EQ(run(0, L"SetDisabled", 0x101), kSuccess);
     ASSERT_TRUE(save());
