@@ -29,6 +29,8 @@ struct IscsiSession {
     IscsiSessionId id{};
     /// The initiator's address on each connection; nothing stands for a null pointer.
     std::vector<std::optional<std::wstring>> initiatorAddresses{};
+    /// Number of connections that the record claims, where it is not that of the addresses.
+    std::optional<std::uint32_t> claimedConnections{};
 };
 
 /// Sets up the stand-in. A prescribed answer changes what a call returns and reports; the records

@@ -43,7 +43,7 @@ bool IscsiHost::readHost() {
         mappings.push_back(
             {readText(instance, L"InitiatorName"), readText(instance, L"OSDeviceName"),
              readNumber(instance, L"OSBusNumber"), readNumber(instance, L"OSTargetNumber"), id});
-        IscsiSession session{id, {}};
+        IscsiSession session{id, {}, {}};
         for (const std::wstring& address : readTexts(instance, L"InitiatorAddresses")) {
             session.initiatorAddresses.emplace_back(address);
         }
@@ -125,7 +125,9 @@ void write(const std::vector<IscsiSession>& sessions, void* buffer) {
     for (const IscsiSession& session : sessions) {
         iscsi::Session& record = *records++;
         record.Id = identifier(session.id);
-        record.ConnectionCount = static_cast<ULONG>(session.initiatorAddresses.size());
+        record.ConnectionCount = session.claimedConnections.value_or(
+            static_cast<std::uint32_t>(session.initiatorAddresses.size()));
+        if (session.initiatorAddresses.empty()) continue;
         record.Connections = writer.take<iscsi::Connection>(session.initiatorAddresses.size());
         for (std::size_t i = 0; i < session.initiatorAddresses.size(); ++i) {
             record.Connections[i].InitiatorAddress = writer.text(session.initiatorAddresses[i]);

@@ -187,7 +187,7 @@ TEST_F(IscsiAdapterListTest, PortalsOfAnotherAdapter) {
 
 /// A record stays in the list when its portals do not add up.
 TEST_F(IscsiAdapterListTest, WrongPortalCount) {
-    for (const std::int64_t count : {0, 1, 3, 1000000}) {
+    for (const std::int64_t count : {0LL, 1LL, 3LL, 1000000LL, 0x80000000LL, 0xFFFFFFFFLL}) {
         openWith(
             {adapter(kSoftwareInstance),
              portalInfo(kSoftwareInstance, {kPortal, kPortal}).number(L"PortalInfoCount", count)});
@@ -196,6 +196,8 @@ TEST_F(IscsiAdapterListTest, WrongPortalCount) {
         EXPECT_EQ(fieldText(adapters.at(0).Description), kSoftware);
         EXPECT_EQ(adapters.at(0).PortalCount, 0u);
         EXPECT_EQ(adapters.at(0).Portals, nullptr);
+        EXPECT_EQ(adapters.at(0).Reserved[0], 0u);
+        EXPECT_EQ(adapters.at(0).Reserved[1], 0u);
     }
     EXPECT_FALSE(log.exists());
 }

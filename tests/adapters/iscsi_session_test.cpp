@@ -47,6 +47,12 @@ TEST_F(IscsiSessionTest, SessionsWithoutAddress) {
     EXPECT_EQ(addressOf({L"10.0.0.1", L""}), kUntouched);
 }
 
+TEST_F(IscsiSessionTest, ConnectionsThatAreOnlyClaimed) {
+    library->setSessions({{{1, 2}, {}, 3}});
+    EXPECT_EQ(findSession().address, kUntouched);
+    EXPECT_EQ(findSession().name, "initiator");
+}
+
 TEST_F(IscsiSessionTest, Addresses) {
     EXPECT_EQ(addressOf({std::wstring(255, L'a')}), std::string(255, 'a'));
     EXPECT_EQ(addressOf({L"\u00E9\u65E5"}), "\xE9?");

@@ -21,6 +21,8 @@ constexpr const char* kNext = "KORVADsmCallSetDiskPolicyMethod: IEnumWbemClassOb
 constexpr const char* kEnumerate =
     "KORVADsmCallSetDiskPolicyMethod:IWbemServices::CreateInstanceEnum";
 constexpr const char* kFoundMatch = "KorvadsmCallSetDiskPolicyMethod: Found a match/n";
+/// Characters of an instance name that fit between its quotes.
+constexpr std::size_t kInstanceNameRoom = 253;
 constexpr unsigned long kFailover = 1;
 constexpr unsigned long kRoundRobin = 2;
 
@@ -123,6 +125,46 @@ TEST_F(DiskPolicyTest, DebuggerHearsOfEveryInstanceUpToTheMatch) {
 TEST_F(DiskPolicyTest, NamesAreComparedEscapedAndWithTheirCase) {
     addAndOpen({queriedPolicy(L"d\\1", {1}), queriedPolicy(L"D\\\\1", {1})});
     expectOutcome(kRoundRobin, DSM_WMI_FAILURE, {{kNext, kEnd}});
+}
+
+// ---- Names
+
+TEST_F(DiskPolicyTest, LongNamesMatchAsFarAsTheyFit) {
+    const auto setOnDisk = [&](std::size_t length) {
+        const std::wstring name(length, L'n');
+        host->removeInstances(kWmi, kLunClass);
+        host->removeInstances(kWmi, kQueryClass);
+        host->removeInstances(kWmi, kOperationsClass);
+        for (const MofObject& instance :
+             {namedLun(name, L"S1"), queriedPolicy(name, {1}), operations(name)}) {
+            host.add(instance);
+        }
+        return set(kRoundRobin);
+    };
+    openWithDisk();
+    EXPECT_EQ(setOnDisk(kInstanceNameRoom), DSM_SUCCESS);
+    expectLog({});
+    for (const std::size_t length : {kInstanceNameRoom + 1, std::size_t{3000}}) {
+        EXPECT_EQ(setOnDisk(length), DSM_WMI_FAILURE) << length;
+        expectLog({{kNext, kEnd}});
+    }
+}
+
+TEST_F(DiskPolicyTest, NoSerialNumberIsOneThatNoLunHas) {
+    openWithDisk();
+    _DSM_LOAD_BALANCE_TYPE policy{kRoundRobin};
+    EXPECT_EQ(KORVADSMSetDiskPolicy(nullptr, &policy), DSM_WMI_FAILURE);
+    EXPECT_EQ(executions(), 0u);
+}
+
+TEST_F(DiskPolicyTest, NumberThatCannotBeReadIsPutAllTheSame) {
+    openWithDisk();
+    host.failGet(kPolicyClass, L"LoadBalancePolicy", E_FAIL);
+    host->clearTrace();
+    EXPECT_EQ(set(kRoundRobin), DSM_SUCCESS);
+    EXPECT_EQ(countCalls(L"Put DSM_Load_Balance_Policy.LoadBalancePolicy"), 1u);
+    EXPECT_EQ(executions(), 0u) << "WMI refuses a value without a type";
+    expectLog({});
 }
 
 // ---- Status

@@ -112,5 +112,48 @@ TEST_F(PolicyInputTest, PrimaryPathKeepsItsType) {
     EXPECT_EQ(input.find("PrimaryPath = 1"), std::string::npos);
 }
 
+// ---- What the connection is asked
+
+using PolicyCallsTest = PolicyInputTest;
+
+/// Shallow, forward only, and without waiting for the result.
+constexpr LONG kClassFlags = 0x31;
+
+TEST_F(PolicyCallsTest, DefaultPolicy) {
+    addAndOpen({MofObject(kDsmClass).text(L"InstanceName", L"K").number(kDefaultPolicy, 2)});
+    const RecordedServices services;
+    int policy = 0;
+    EXPECT_EQ(KORVADSMSetDefaultLBP(4), DSM_SUCCESS);
+    EXPECT_EQ(KORVADSMGetDefaultLBP(&policy), DSM_SUCCESS);
+    EXPECT_EQ(policy, 4);
+    ASSERT_EQ(services.calls().size(), 3u);
+    const ServiceCall enumeration{L"CreateInstanceEnum", kDsmClass, L"", kClassFlags, L"", L""};
+    EXPECT_EQ(services.calls()[0], enumeration);
+    EXPECT_EQ(services.calls()[1].method, L"PutInstance");
+    EXPECT_EQ(services.calls()[1].flags, 0);
+    EXPECT_EQ(services.calls()[2], enumeration);
+}
+
+TEST_F(PolicyCallsTest, DiskPolicy) {
+    addAndOpen({queriedPolicy(L"D\\1", {1}), operations(L"D\\1")});
+    const RecordedServices services;
+    _DSM_LOAD_BALANCE_TYPE policy{2};
+    const ConsoleCapture console;
+    EXPECT_EQ(KORVADSMSetDiskPolicy(serial, &policy), DSM_SUCCESS);
+    ASSERT_GE(services.calls().size(), 2u);
+    EXPECT_EQ(services.calls()[1],
+              (ServiceCall{L"CreateInstanceEnum", kQueryClass, L"", kClassFlags, L"", L""}));
+}
+
+TEST_F(PolicyCallsTest, SupportedPolicies) {
+    addAndOpen({supportedPolicies(L"D\\1", {})});
+    const RecordedServices services;
+    _LBP_DESCRIPTOR_LIST list{};
+    EXPECT_EQ(KORVADSMGetDiskPolicies(serial, &list), DSM_SUCCESS);
+    ASSERT_EQ(services.calls().size(), 2u);
+    EXPECT_EQ(services.calls()[1],
+              (ServiceCall{L"CreateInstanceEnum", kSupportedClass, L"", kClassFlags, L"", L""}));
+}
+
 }  // namespace
 }  // namespace quista::test

@@ -4,10 +4,10 @@
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <memory>
 
 #include "tests/control/policies_test.h"
 #include "tests/support/guarded_buffer.h"
+#include "tests/support/import_patch.h"
 
 namespace quista::test {
 namespace {
@@ -79,6 +79,13 @@ class PolicyList {
     std::size_t entries_;
     GuardedBuffer buffer_;
 };
+
+constexpr std::size_t kTableRoom = 1019;
+
+/// Has no memory for a table of that many entries.
+void* callocWithoutTable(std::size_t count, std::size_t size) {
+    return count == kTableRoom ? nullptr : std::calloc(count, size);
+}
 
 class SupportedPoliciesTest : public PoliciesTest {
   protected:
@@ -271,11 +278,8 @@ TEST_F(SupportedPoliciesTest, NoPolicyWithoutMemory) {
 }
 
 TEST_F(SupportedPoliciesTest, TableWithoutMemory) {
-    // The table of a count like this exceeds what most machines give.
-    if (std::unique_ptr<void, decltype(&std::free)>(std::calloc(0xFFFFFFFF, 8), std::free)) {
-        GTEST_SKIP() << "this machine gives as much";
-    }
-    addAndOpen({supportedPolicies(L"D\\1", {1}).number(L"SupportedLBPoliciesCount", 0xFFFFFFFF)});
+    const ImportPatch patch("calloc", &callocWithoutTable);
+    addAndOpen({supportedPolicies(L"D\\1", {1}).number(L"SupportedLBPoliciesCount", kTableRoom)});
     expectUntouched(DSM_NO_MEMORY, {{kTable, DSM_NO_MEMORY}});
     EXPECT_EQ(countCalls(L"Get DSM_QuerySupportedLBPolicies.Supported_LB_Policies"), 0u);
 }
@@ -289,6 +293,14 @@ TEST_F(SupportedPoliciesTest, UnknownSerialNumber) {
     EXPECT_TRUE(list.untouched());
     expectLog(kUnknownSerial);
     EXPECT_EQ(countCalls(L"CreateInstanceEnum DSM_QuerySupportedLBPolicies"), 0u);
+}
+
+TEST_F(SupportedPoliciesTest, NoSerialNumberIsOneThatNoLunHas) {
+    openWithPolicies({1});
+    const PolicyList list(1);
+    EXPECT_EQ(KORVADSMGetDiskPolicies(nullptr, list.get()), DSM_SERIAL_NOT_FOUND);
+    EXPECT_TRUE(list.untouched());
+    LBPDescFree(nullptr);
 }
 
 TEST_F(SupportedPoliciesTest, LookupWithoutMemory) {
