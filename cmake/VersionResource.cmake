@@ -1,5 +1,5 @@
 # The version resource of quista.dll. Its CompanyName decides under which registry key the library
-# looks for its log and installation directories.
+# looks for its log directory.
 set(QUISTA_COMPANY_velmora "Velmora Storage")
 set(QUISTA_COMPANY_pelmark "Pelmark Systems")
 

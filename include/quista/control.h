@@ -25,6 +25,8 @@ unsigned long KORVADSMEnablePath(unsigned long long pathId);
 unsigned long KORVADSMDisablePath(unsigned long long pathId);
 
 /// Sets a path's weight (method SetWeight).
+/// @param weight without unit; under the weighted-paths policy the path of the lowest weight is
+///               used. What values the driver takes is its own affair
 unsigned long KORVADSMSetPathWeight(unsigned long long pathId, unsigned long weight);
 
 /// Refreshes the target port group information of the LUN that owns the path (method UpdateRTPG).
@@ -32,25 +34,35 @@ unsigned long KORVADSMSetPathWeight(unsigned long long pathId, unsigned long wei
 unsigned long KORVADSMUpdateTPG(unsigned long pathId);
 
 /// Sets the policy for newly claimed LUNs (DefaultLoadBalancePolicy of every KORVADSM instance).
-/// @return 0; DSM_SET_DEFAULT_LBP_FAILED
+/// @param policy MPIO's number; not checked against those that are published
+/// @return 0, also when a later instance than the first cannot be written;
+///         DSM_SET_DEFAULT_LBP_FAILED
 unsigned long KORVADSMSetDefaultLBP(int policy);
 
-/// Reads the policy for newly claimed LUNs.
-/// @param policy written on success
+/// Reads the policy for newly claimed LUNs (DefaultLoadBalancePolicy of the last KORVADSM
+/// instance).
+/// @param policy receives MPIO's number; written for each instance read, also when a later one
+/// fails
 /// @return 0; DSM_GET_DEFAULT_LBP_FAILED
 unsigned long KORVADSMGetDefaultLBP(int* policy);
 
 /// Sets the policy of one LUN (method DSMSetLoadBalancePolicy of DSM_LB_Operations). Under Failover
 /// Only the first path that MPIO lists becomes the primary path.
 /// The call does not return when MPIO has no DSM_LB_Operations instance for the LUN.
-/// @return 0; DSM_ERROR when the driver refuses; DSM_WMI_FAILURE, also for an unknown serial
-/// number;
-///         DSM_FILER_VERSION_INCOMPATIBLE
+/// @param serialNumber compared exactly; not changed
+/// @param policy       only its number is read
+/// @return 0, also when the number cannot be put into MPIO's policy object or the execution of the
+///         method fails; DSM_ERROR when the driver refuses; DSM_WMI_FAILURE, also for an unknown
+///         serial number; DSM_FILER_VERSION_INCOMPATIBLE
 unsigned long KORVADSMSetDiskPolicy(wchar_t* serialNumber, _DSM_LOAD_BALANCE_TYPE* policy);
 
 /// Lists the policies that a LUN supports (class DSM_QuerySupportedLBPolicies).
-/// @param list allocated by the caller; its entries are freed with LBPDescFree. An entry that could
-///             not be read is left alone and not counted
+/// @param serialNumber compared exactly; not changed
+/// @param list allocated by the caller with room for as many entries as the LUN reports in
+///             SupportedLBPoliciesCount; untouched unless the policies were read. LBPDescFree frees
+///             the first Count entries. An entry that could not be read is left alone and not
+///             counted, so that behind such a gap an entry may lie beyond Count: the caller frees
+///             it with CoTaskMemFree
 /// @return 0; DSM_NO_MEMORY; DSM_WMI_FAILURE; the status of the serial-number lookup
 unsigned long KORVADSMGetDiskPolicies(wchar_t* serialNumber, _LBP_DESCRIPTOR_LIST* list);
 
@@ -62,27 +74,34 @@ void LBPDescFree(_LBP_DESCRIPTOR_LIST* list);
 /// @return 0; DSM_SET_DEFAULT_LBP_FAILED when the key cannot be opened; DSM_REGISTRY_WRITE_FAILED
 unsigned long Reg_Set_PR(char* key);
 
-/// Reads the persistent reservation key, 8 bytes, from the registry.
+/// Reads the persistent reservation key, 8 bytes, from the registry. A shorter value is filled up
+/// with zeros.
 /// @return 0; DSM_GET_PR_KEY_FAILED
 unsigned long Reg_Get_PR(char* key);
 
-/// Writes the persistent reservation key, 8 bytes, to the driver (KORVADSM.ReservationKey).
+/// Writes the persistent reservation key, 8 bytes, to the driver (ReservationKey of the first
+/// KORVADSM instance).
 /// @return 0; DSM_ERROR
 unsigned long KORVADSMSetPRKey(char* key);
 
 /// Reads the persistent reservation key of one LUN, 8 bytes (KORVADSM_LUNINFO.ReservationKey).
+/// @param key receives the bytes; a call that fails may have written some of them
 /// @return 0; DSM_ERROR
 unsigned long KORVADSMGetPRKey(unsigned char* key, wchar_t* serialNumber);
 
 /// Writes the DSM's event log level (KORVADSM.EventLogLevel) and its counters in MPIO's
 /// registration (method SetDsmCounters of MPIO_WMI_METHODS).
 /// @param selector ignored
-/// @return 0; DSM_WMI_PARSING_ERROR; the result of the failed WMI call
+/// @return 0; DSM_WMI_PARSING_ERROR; the result of a failed WMI call, which is 1 (WBEM_S_FALSE)
+///         when there is no KORVADSM instance
 unsigned long DSMSetKorvadsmParameters(unsigned int selector, _QUISTA_PROPERTY_SET* set);
 
-/// Reads the DSM's event log level and its counters (MPIO_REGISTERED_DSM.DsmParameters).
+/// Reads the DSM's event log level (KORVADSM.EventLogLevel) and its counters
+/// (MPIO_REGISTERED_DSM.DsmParameters).
 /// @param selector ignored
-/// @return 0; DSM_WMI_PARSING_ERROR; the result of the failed WMI call
+/// @param set      what could be read is filled in; an event log level that its instance does not
+///                 give becomes 0
+/// @return as DSMSetKorvadsmParameters
 unsigned long DSMGetKorvadsmParameters(unsigned int selector, _QUISTA_PROPERTY_SET* set);
 
 // MPIO's timers (class MPIO_TIMERS_COUNTERS). Each call returns 0 or DSM_WMI_PARSING_ERROR; a

@@ -66,8 +66,7 @@ unsigned long IsLastAvlblPath(unsigned long long pathId, int* isLast);
 
 /// Maps serial numbers to Windows disk numbers (class Win32_PhysicalMedia: SerialNumber and Tag).
 /// @param media entries are added; the caller frees each value with CoTaskMemFree. A repeated
-/// serial
-///              number replaces the earlier entry, whose block is lost
+///              serial number replaces the earlier entry, whose block is lost
 /// @param count receives the number of entries added
 /// @return 0; DSM_WMI_FAILURE when the query fails; DSM_WMI_NOT_SUPPORTED
 unsigned long KORVADSMGetAllWin32_PhysicalMedia(std::map<std::wstring, _WMIDISKDRIVEDATA*>* media,

@@ -1,5 +1,5 @@
-// Status codes: the unsigned 32-bit results of the exports. 0 is success; ConvertError gives a
-// code's message text.
+// Status codes: the unsigned 32-bit results of the exports. 0 is success; ConvertError gives the
+// message text of those that have one.
 #pragma once
 
 /// Results of the library's exports. The adapter lookups return the status of the platform library

@@ -3,8 +3,9 @@
 
 /// Address of one iSCSI portal (embedded class ISCSI_PortalInfo).
 struct _KORVADSM_ISCSI_PORTAL {
+    /// IPAddr: dotted for IPv4, eight groups of four digits for IPv6, a host name in double quotes.
     wchar_t Address[1024];
-    unsigned long Port;   ///< TCP port
+    unsigned long Port;   ///< property Port, the TCP port
     unsigned char Valid;  ///< 0 when the portal could not be read, else 1
 };
 
@@ -12,7 +13,9 @@ struct _KORVADSM_ISCSI_PORTAL {
 /// portal array; the caller frees both with CoTaskMemFree.
 struct _KORVADSM_ISCSI_HBAINFO {
     unsigned long Reserved[2];  ///< left as allocated
-    unsigned long PortalCount;
+    unsigned long PortalCount;  ///< number of Portals
+    /// VendorModel with hyphens for blanks, and the end of the instance's name:
+    /// "MS-iSCSI-Initiator-0000_0".
     wchar_t Description[1024];
-    _KORVADSM_ISCSI_PORTAL* Portals;
+    _KORVADSM_ISCSI_PORTAL* Portals;  ///< MSiSCSI_PortalInfoClass.PortalInformation; may be null
 };
