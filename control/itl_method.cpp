@@ -122,8 +122,8 @@ HRESULT fillInput(ItlCall& call, const Arguments& arguments) {
         typeArgument(name.get(), arguments.values[i], value.get(), type);
         const HRESULT result = call.input->Put(name.get(), 0, &value.get(), type);
         if (result != S_OK) {
-            traceLine(formatText(L"Argument[%d]: \"%ls\" = %I64u failed. Error: 0x%x\n", i,
-                                 name.get(), arguments.values[i], result));
+            traceFormatted(L"Argument[%d]: \"%ls\" = %I64u failed. Error: 0x%x\n", i, name.get(),
+                           arguments.values[i], result);
             logFailure(result, L"CallMethodforITL::Put");
             call.status = DSM_WMI_FAILURE;
             return result;

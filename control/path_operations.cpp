@@ -24,8 +24,7 @@ struct Argument {
 DWORD callPathMethod(const wchar_t* method, std::initializer_list<Argument> arguments) {
     return guarded(DSM_ERROR, [&]() -> DWORD {
         const Argument& path = *arguments.begin();
-        traceLine(
-            formatText(L"%ls  %ls: 0x%x\n", method, path.name, static_cast<unsigned>(path.value)));
+        traceFormatted(L"%ls  %ls: 0x%x\n", method, path.name, static_cast<unsigned>(path.value));
         std::vector<UniqueBstr> owned;
         std::vector<BSTR> names;
         std::vector<unsigned long long> values;

@@ -8,7 +8,6 @@
 #include <string>
 
 #include "frame/brand.h"
-#include "frame/bstr.h"
 #include "frame/guard.h"
 #include "frame/session.h"
 #include "quista/frame.h"
@@ -58,10 +57,9 @@ HRESULT createCompiler() {
     return result == S_OK && gMofCompiler == nullptr ? E_POINTER : result;
 }
 
-HRESULT compile(const std::wstring& file) {
-    const UniqueBstr nameSpace(L"root\\wmi");
-    std::wstring path = file;
-    return gMofCompiler->CompileFile(path.data(), nameSpace.get(), nullptr, nullptr, nullptr,
+HRESULT compile(std::wstring file) {
+    wchar_t nameSpace[] = L"root\\wmi";
+    return gMofCompiler->CompileFile(file.data(), nameSpace, nullptr, nullptr, nullptr,
                                      WBEM_FLAG_CONSOLE_PRINT, 0, 0, nullptr);
 }
 

@@ -62,8 +62,8 @@ void printLine(const std::wstring& text) {
     std::fflush(stdout);
 }
 
-void traceLine(const std::wstring& text) {
-    if (gConsoleTrace != 0) printLine(text);
+void traceLine(std::wstring_view text) {
+    if (gConsoleTrace != 0) printLine(std::wstring(text));
 }
 
 }  // namespace quista

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 
 namespace quista {
 
@@ -24,6 +25,13 @@ std::wstring fromAnsi(const std::string& text);
 void printLine(const std::wstring& text);
 
 /// Prints to standard output when gConsoleTrace is on.
-void traceLine(const std::wstring& text);
+void traceLine(std::wstring_view text);
+
+/// Formats as formatText does and prints to standard output, when gConsoleTrace is on; else nothing
+/// is made of the arguments.
+template <typename... Arguments>
+void traceFormatted(const wchar_t* format, Arguments... arguments) {
+    if (gConsoleTrace != 0) printLine(formatText(format, arguments...));
+}
 
 }  // namespace quista

@@ -39,16 +39,18 @@ LogFile openLog() {
     return LogFile(_wfopen((configured.value_or(fallback) + kLogFileName).c_str(), L"at"));
 }
 
+struct SystemTextDeleter {
+    void operator()(wchar_t* text) const { LocalFree(text); }
+};
+
 std::wstring systemMessage(DWORD code) {
     wchar_t* text = nullptr;
     // Kept: inserts are not ignored, so a text that needs some counts as missing.
     const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM,
                                         nullptr, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
                                         reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-    if (length == 0 || text == nullptr) return {};
-    const std::wstring message(text, length);
-    LocalFree(text);
-    return message;
+    const std::unique_ptr<wchar_t, SystemTextDeleter> owned(text);
+    return length != 0 && text != nullptr ? std::wstring(text, length) : std::wstring();
 }
 
 /// The system's own text wins over the log's names, so a status code that is also a Windows error
@@ -67,9 +69,7 @@ std::wstring timestamp() {
                       now.wMinute, now.wSecond);
 }
 
-}  // namespace
-
-void writeLog(const std::wstring& where, DWORD code) {
+void appendEvent(const std::wstring& where, DWORD code) {
     const LogFile file = openLog();
     if (file == nullptr) {
         printLine(L"Unable to open the MPIOlog.dat file\n");
@@ -85,6 +85,12 @@ void writeLog(const std::wstring& where, DWORD code) {
     std::fwrite(line.data(), 1, line.size(), file.get());
 }
 
+}  // namespace
+
+void writeLog(const wchar_t* where, DWORD code) noexcept {
+    guardedVoid([&] { appendEvent(where, code); });
+}
+
 HRESULT logFailure(HRESULT code, const wchar_t* where) {
     if (code != 0) ReportError(where, static_cast<DWORD>(code));
     return code;
@@ -95,5 +101,5 @@ HRESULT logFailure(HRESULT code, const wchar_t* where) {
 void ReportError(const wchar_t* where, unsigned long code) {
     // By design the general error is never logged.
     if (code == DSM_ERROR) return;
-    quista::guardedVoid([&] { quista::writeLog(where != nullptr ? where : L"", code); });
+    quista::writeLog(where != nullptr ? where : L"", code);
 }

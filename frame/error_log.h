@@ -7,10 +7,10 @@
 
 namespace quista {
 
-/// Appends the line of an event, whatever its code. Only the results of IEnumWbemClassObject::Next
-/// come here directly: the normal end of an enumeration has the number of DSM_ERROR, which the
-/// exported ReportError drops, and still leaves its line.
-void writeLog(const std::wstring& where, DWORD code);
+/// Appends the line of an event, whatever its code; never fails towards its caller. Only the
+/// results of IEnumWbemClassObject::Next come here directly: the normal end of an enumeration has
+/// the number of DSM_ERROR, which the exported ReportError drops, and still leaves its line.
+void writeLog(const wchar_t* where, DWORD code) noexcept;
 
 /// Logs the code of a failed step as ReportError does; a step that succeeded (0) leaves no line.
 /// @return the code

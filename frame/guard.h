@@ -1,4 +1,5 @@
-// The wall that no exception crosses: every export runs its body through one of these.
+// The wall that no exception crosses: every export that may throw runs its body through one of
+// these.
 #pragma once
 
 #include <windows.h>

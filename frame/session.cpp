@@ -26,7 +26,7 @@ DWORD connect(const wchar_t* name, IWbemServices*& services) {
     if (result == S_OK) return DSM_SUCCESS;
     ReportError(L"IWbemLocator::ConnectServer", static_cast<DWORD>(result));
     // Kept: the console names the invalid namespace whatever the result was.
-    traceLine(formatText(L"Namespace: %ls (%x)\n", name, WBEM_E_INVALID_NAMESPACE));
+    traceFormatted(L"Namespace: %ls (%x)\n", name, WBEM_E_INVALID_NAMESPACE);
     return DSM_WMI_CONNECT_FAILED;
 }
 
@@ -44,8 +44,7 @@ DWORD openSession() {
     return wmi != DSM_SUCCESS ? wmi : cimv2;
 }
 
-/// Only Windows before 6.1 loses MPIO's classes in a way that a repair mends; on 6.0 the caller has
-/// to allow it.
+/// MPIO's classes are repaired on Windows before 6.1 only; on 6.0 the caller has to allow it.
 bool mayRepairMpioClasses(bool allowVistaRepair) {
     const WindowsVersion version = windowsVersion();
     if (!version.known) return false;

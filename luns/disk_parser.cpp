@@ -37,9 +37,9 @@ bool fits(LONG objects, const LunBlock& block) {
 DWORD parseObjects(const VARIANT& paths, ObjectTable& objects, const LunBlock& block) {
     const LONG found = boundsOf(paths).count();
     if (static_cast<unsigned long>(found) != block.info->NumberPaths) {
-        traceLine(formatText(
+        traceFormatted(
             L"WARNING: Inconsistent information: NumberPaths=%d, number of Path object=%d\n",
-            block.info->NumberPaths, found));
+            block.info->NumberPaths, found);
     }
     if (!fits(found, block)) return DSM_WMI_FAILURE;
 

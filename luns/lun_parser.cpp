@@ -36,7 +36,7 @@ bool readLunPath(IWbemClassObject* lun, _KORVADSM_DISKINFO& info) {
     if (getOrLog(lun, L"LunPath", value, L"ParseLunInfoKORVA::Get(LunPath)") != S_OK) return false;
     const UniqueText text = quotedText(value);
     copyToField(info.LunPath, text.get());
-    traceLine(formatText(L"LunPath: %ls\n", info.LunPath));
+    traceFormatted(L"LunPath: %ls\n", info.LunPath);
     return true;
 }
 

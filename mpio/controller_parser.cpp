@@ -55,8 +55,8 @@ DWORD parseControllers(const VARIANT& controllers, _MPIO_CONTROLLER_CONFIGURATIO
         case VT_ARRAY | VT_UNKNOWN:
             return parseArray(controllers, config, entryCount);
         case VT_NULL:
-            traceLine(formatText(L"No MPIO_CONTROLLER_INFO instances, NumberControllers=%d\n",
-                                 config.NumberControllers));
+            traceFormatted(L"No MPIO_CONTROLLER_INFO instances, NumberControllers=%d\n",
+                           config.NumberControllers);
             entryCount = 0;
             return DSM_SUCCESS;
         default:

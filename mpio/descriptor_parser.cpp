@@ -30,9 +30,9 @@ DWORD parsePaths(const VARIANT& paths, _MPIO_GET_DESCRIPTOR& descriptor, LONG ro
     ObjectTable objects(kMaximumPaths);
     const LONG count = objects.fill(paths);
     if (static_cast<unsigned long>(count) != descriptor.NumberPdos) {
-        traceLine(formatText(
+        traceFormatted(
             L"WARNING: Inconsistent information: NumberPdos=%d, number of Pdo object=%d\n",
-            descriptor.NumberPdos, count));
+            descriptor.NumberPdos, count);
     }
     DWORD status = DSM_WMI_PARSING_ERROR;
     for (LONG i = 0; i < std::min(count, room); ++i) {

@@ -22,8 +22,7 @@ ControllerBlock allocateBlock(const wchar_t* function) {
     constexpr std::size_t size = sizeof(_MPIO_CONTROLLER_CONFIGURATION);
     ControllerBlock block(allocateTaskMemory<_MPIO_CONTROLLER_CONFIGURATION>(size));
     if (block == nullptr) {
-        traceLine(
-            formatText(L"%ls: Failed to Allocate %d bytes\n", function, static_cast<int>(size)));
+        traceFormatted(L"%ls: Failed to Allocate %d bytes\n", function, static_cast<int>(size));
     }
     return block;
 }
@@ -32,7 +31,7 @@ ControllerBlock allocateBlock(const wchar_t* function) {
 DWORD parse(_MPIO_CONTROLLER_CONFIGURATION& config, DWORD& entryCount, const wchar_t* function) {
     const DWORD status = ParseMPIOControllerConfig(&config, &entryCount);
     if (status != DSM_SUCCESS) {
-        traceLine(formatText(L"%ls: Failed ParseMPIOControllerConfig()\n", function));
+        traceFormatted(L"%ls: Failed ParseMPIOControllerConfig()\n", function);
     }
     return status;
 }
@@ -59,8 +58,8 @@ bool isLoaded() {
     if (parse(*block, entryCount, L"DSMIsLoaded") != DSM_SUCCESS) entryCount = 0;
     const auto* first = std::begin(block->ControllerInfo);
     const bool loaded = std::any_of(first, first + entryCount, isVendorDsm);
-    traceLine(formatText(L"MPIO driver is loaded, KORVADSM driver is %ls loaded\n",
-                         loaded ? L"" : L"not "));
+    traceFormatted(L"MPIO driver is loaded, KORVADSM driver is %ls loaded\n",
+                   loaded ? L"" : L"not ");
     return loaded;
 }
 

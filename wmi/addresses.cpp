@@ -20,8 +20,8 @@ constexpr std::size_t kAddressBytes = 1024;
 constexpr LONG kIPv6Bytes = 16;
 
 /// A zeroed buffer for an address, or null without memory.
-wchar_t* newAddressBuffer() {
-    return static_cast<wchar_t*>(std::calloc(kAddressBytes, 1));
+UniqueText newAddressBuffer() {
+    return UniqueText(static_cast<wchar_t*>(std::calloc(kAddressBytes, 1)));
 }
 
 void storeAddress(wchar_t* buffer, const std::wstring& text) {
@@ -36,25 +36,28 @@ HRESULT textAddress(IWbemClassObject* address, wchar_t** text) {
 }
 
 HRESULT ipv4Address(IWbemClassObject* address, wchar_t** text) {
-    *text = newAddressBuffer();
+    UniqueText buffer = newAddressBuffer();
     UniqueVariant value;
     const HRESULT result = getProperty(address, L"IpV4Address", value);
     const std::uint32_t bits = value.rawLong();
-    storeAddress(*text, formatText(L"%d.%d.%d.%d", bits & 0xFF, bits >> 8 & 0xFF, bits >> 16 & 0xFF,
-                                   bits >> 24));
+    storeAddress(buffer.get(), formatText(L"%d.%d.%d.%d", bits & 0xFF, bits >> 8 & 0xFF,
+                                          bits >> 16 & 0xFF, bits >> 24));
+    *text = buffer.release();
     return result;
 }
 
 HRESULT ipv6Address(IWbemClassObject* address, wchar_t** text) {
-    *text = newAddressBuffer();
+    UniqueText buffer = newAddressBuffer();
     UniqueVariant value;
     const HRESULT result = getProperty(address, L"IpV6Address", value);
-    if (result != S_OK || value.type() != (VT_ARRAY | VT_UI1)) return result;
-    unsigned char bytes[kIPv6Bytes] = {};
-    SafeArrayToBytes(value.get(), bytes, kIPv6Bytes);
-    std::wstring formatted;
-    FormatIpV6Text(formatted, bytes);
-    storeAddress(*text, formatted);
+    if (result == S_OK && value.type() == (VT_ARRAY | VT_UI1)) {
+        unsigned char bytes[kIPv6Bytes] = {};
+        SafeArrayToBytes(value.get(), bytes, kIPv6Bytes);
+        std::wstring formatted;
+        FormatIpV6Text(formatted, bytes);
+        storeAddress(buffer.get(), formatted);
+    }
+    *text = buffer.release();
     return result;
 }
 

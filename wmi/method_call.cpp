@@ -54,7 +54,8 @@ struct MethodCall {
 };
 
 /// Walks the instances until one bears the name, and leaves its path in the call.
-bool findInstance(MethodCall& call, const std::wstring& quotedInstanceName) {
+bool findInstance(MethodCall& call, const wchar_t* className,
+                  const std::wstring& quotedInstanceName) {
     for (;;) {
         ComRef<IWbemClassObject> instance;
         // Kept: the end of the enumeration and failures are no way out; the call is made again.
@@ -68,7 +69,7 @@ bool findInstance(MethodCall& call, const std::wstring& quotedInstanceName) {
         const std::wstring name = escapeBackslashes(stringOf(value.get()));
         // Kept: the path of an earlier instance is not freed.
         call.path.keepOnPurpose();
-        call.path = UniqueBstr(instancePath(call.className.get(), name).c_str());
+        call.path = UniqueBstr(instancePath(className, name).c_str());
         if (quoted(name) == quotedInstanceName) {
             call.instances.reset();
             return true;
@@ -146,7 +147,7 @@ DWORD callWithoutInput(MethodCall& call) {
         text.keepOnPurpose();
         return call.breakOff();
     }
-    traceLine(formatText(L"The %ls method returned:\n%ls\n", call.methodName.get(), text.get()));
+    traceFormatted(L"The %ls method returned:\n%ls\n", call.methodName.get(), text.get());
     return returnCode.rawLong();
 }
 
@@ -157,7 +158,7 @@ DWORD CallMethodForInstance(const wchar_t* className, const wchar_t* methodName,
                             int /*parameterCount*/, const wchar_t* quotedInstanceName) {
     MethodCall call(className, methodName);
     if (enumerateClass(className, call.instances) != S_OK) return DSM_WMI_FAILURE;
-    if (!findInstance(call, quotedInstanceName)) return call.breakOff();
+    if (!findInstance(call, className, quotedInstanceName)) return call.breakOff();
     if (!getSignature(call)) return call.breakOff();
     return call.inSignature ? callWithInput(call, parameterValues[0]) : callWithoutInput(call);
 }

@@ -30,7 +30,7 @@ NamedRead readNamed(IWbemClassObject* object, const std::wstring& name, UniqueVa
     const UniqueBstr bstr(name.c_str());
     const HRESULT result =
         bstr ? getProperty(object, bstr.get(), value) : static_cast<HRESULT>(DSM_NO_MEMORY);
-    logFailure(result, (place + name).c_str());
+    if (result != S_OK) logFailure(result, (place + name).c_str());
     return {static_cast<bool>(bstr), result};
 }
 

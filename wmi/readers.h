@@ -21,8 +21,9 @@ std::uint8_t DsmGetPathInfoBval(IWbemClassObject* object, std::wstring name);
 std::uint32_t DsmGetPathInfoLval(IWbemClassObject* object, std::wstring name);
 
 /// Copies a property's text into `destination`, at most `maximum` characters and without a
-/// terminator: callers pass a cleared buffer. A value that is neither a string nor a character
-/// array gives "Invalid Entry".
+/// terminator: callers pass a cleared buffer. An empty character array gives "<empty>", one with
+/// control characters its hexadecimal form, and a value that is neither a string nor a character
+/// array "Invalid Entry". A string value is not freed.
 /// @return 0 or the failure's code
 HRESULT DsmGetWbemInfoGetStringVal(IWbemClassObject* object, std::wstring name,
                                    wchar_t* destination, std::uint32_t maximum);
