@@ -75,6 +75,10 @@ TEST_F(BrandTest, Pelmark_DoesNotFallBackToTheOtherKey) {
     expectLogOf(libraryOf(L"pelmark"), folder.path());
 }
 
+TEST_F(BrandTest, BareName_IsTheBrand) {
+    expectLogOf(libraryOf(L"exact"), folder.path(L"velmora"));
+}
+
 TEST_F(BrandTest, NameThatGoesOn_IsTheBrand) {
     expectLogOf(libraryOf(L"prefix"), folder.path(L"velmora"));
 }

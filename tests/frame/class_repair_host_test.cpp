@@ -122,6 +122,9 @@ TEST_F(ClassRepairHostTest, TheCompilerIsMadeBeforeTheDirectoryIsSought) {
     EXPECT_EQ(DSMRepairWMI(kVendorClasses), logged(E_OUTOFMEMORY));
     EXPECT_THAT(log.lines(), ElementsAre(LogLine{"Could not find InstallDir!", 55},
                                          LogLine{"Could not create MofCompiler!", 55}));
+    // Kept: a compiler that cannot be made takes the first one's place too.
+    EXPECT_EQ(DSMUninitialize(), 0u);
+    EXPECT_EQ(host->liveObjects(), (simulator::LiveObjects{.compilers = 1}));
 }
 
 TEST_F(ClassRepairHostTest, TheCompilerStaysUntilTheSessionIsClosed) {

@@ -90,6 +90,14 @@ TEST_F(ClassRepairTest, NeitherTextsNorArraysAreKept) {
     EXPECT_THAT(scope.survivors(), IsEmpty());
 }
 
+// The log drops code 1, whatever gave it.
+TEST_F(ClassRepairTest, ResultOneIsReturnedWithoutALine) {
+    setDirectory(kVelmora, L"C:\\velmora\\");
+    compiler.setResults({S_FALSE});
+    EXPECT_EQ(DSMRepairWMI(kVendorClasses), 1u);
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
 // ---- The installation directory
 
 TEST_F(ClassRepairTest, VelmorasDirectoryComesFirst) {

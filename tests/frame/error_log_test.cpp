@@ -10,6 +10,7 @@
 #include "quista/status.h"
 #include "tests/frame/log_test.h"
 #include "tests/support/console_capture.h"
+#include "tests/support/import_patch.h"
 #include "tests/support/log_names.h"
 #include "tests/support/text.h"
 
@@ -220,6 +221,31 @@ TEST_F(ErrorLogTest, WriteProtectedFileLeavesOneLineOnTheConsole) {
     // A superuser's files have no protection under Wine.
     if (!log.bytes().empty()) GTEST_SKIP() << "files cannot be protected here";
     EXPECT_EQ(printed, "Unable to open the MPIOlog.dat file\r\n");
+}
+
+// ---- A system whose code page is UTF-8
+
+UINT WINAPI utf8CodePage() {
+    return CP_UTF8;
+}
+
+// As documented: UTF-8 refuses this flag and a substitute.
+int WINAPI toUtf8AsDocumented(UINT, DWORD flags, const wchar_t* text, int length, char* bytes,
+                              int room, const char* substitute, BOOL* wasUsed) {
+    if (flags != 0 || substitute != nullptr) return 0;
+    return WideCharToMultiByte(CP_UTF8, 0, text, length, bytes, room, nullptr, wasUsed);
+}
+
+TEST_F(ErrorLogTest, Utf8CodePageLosesNothing) {
+    const ImportPatch codePage("GetACP", &utf8CodePage);
+    const ImportPatch conversion("WideCharToMultiByte", &toUtf8AsDocumented);
+    ReportError(L"place", 45);
+    EXPECT_EQ(withoutStamp(log.bytes()), "Error 0000002D in place: DSM_INIT_DONE\r\n");
+    log.clear();
+    std::string expected;
+    for (int i = 0; i < 100; ++i) expected += "\xe4\xb8\xad";
+    ReportError(std::wstring(100, L'\u4e2d').c_str(), kNamelessCode);
+    EXPECT_EQ(withoutStamp(log.bytes()), "Error E0000008 in " + expected + "\r\n");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "quista/frame.h"
 #include "tests/frame/log_test.h"
 #include "tests/support/console_capture.h"
+#include "tests/support/import_patch.h"
 
 namespace quista::test {
 namespace {
@@ -42,6 +43,17 @@ class LogDirectoryTest : public LogTest {
 };
 
 TEST_F(LogDirectoryTest, NoKey_WorkingDirectory) {
+    expectLogInWorkFolder();
+}
+
+BOOL WINAPI cannotReadVersion(const wchar_t*, DWORD, DWORD, void*) {
+    return FALSE;
+}
+
+TEST_F(LogDirectoryTest, VersionThatCannotBeRead_WorkingDirectory) {
+    ASSERT_TRUE(CreateDirectoryW(L"logs", nullptr));
+    setLogDir(folder.path(L"logs"));
+    const ImportPatch patch("GetFileVersionInfoW", &cannotReadVersion);
     expectLogInWorkFolder();
 }
 

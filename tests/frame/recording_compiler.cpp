@@ -1,7 +1,5 @@
 #include "tests/frame/recording_compiler.h"
 
-#include <gtest/gtest.h>
-
 #include "tests/support/text.h"
 
 namespace quista::test {
@@ -10,16 +8,6 @@ void PrintTo(const Compilation& compilation, std::ostream* out) {
     *out << narrow(compilation.file) << " into " << narrow(compilation.nameSpace) << ", flags "
          << compilation.options << ' ' << compilation.classFlags << ' ' << compilation.instanceFlags
          << (compilation.hasOthers ? ", with more" : "");
-}
-
-RecordingCompiler::RecordingCompiler() {
-    EXPECT_EQ(CoRegisterClassObject(CLSID_MofCompiler, &factory_, CLSCTX_INPROC_SERVER,
-                                    REGCLS_MULTIPLEUSE, &registration_),
-              S_OK);
-}
-
-RecordingCompiler::~RecordingCompiler() {
-    EXPECT_EQ(CoRevokeClassObject(registration_), S_OK);
 }
 
 HRESULT STDMETHODCALLTYPE RecordingCompiler::QueryInterface(REFIID iid, void** object) {
@@ -40,18 +28,6 @@ HRESULT STDMETHODCALLTYPE RecordingCompiler::CompileFile(LPWSTR file, LPWSTR nam
     const HRESULT result = results_.front();
     results_.pop_front();
     return result;
-}
-
-HRESULT STDMETHODCALLTYPE RecordingCompiler::Factory::QueryInterface(REFIID iid, void** object) {
-    const bool known = iid == IID_IUnknown || iid == IID_IClassFactory;
-    *object = known ? this : nullptr;
-    return known ? S_OK : E_NOINTERFACE;
-}
-
-HRESULT STDMETHODCALLTYPE RecordingCompiler::Factory::CreateInstance(IUnknown* outer, REFIID iid,
-                                                                     void** object) {
-    EXPECT_EQ(outer, nullptr);
-    return compiler_.QueryInterface(iid, object);
 }
 
 }  // namespace quista::test

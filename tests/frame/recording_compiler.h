@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/frame/registered_object.h"
+
 namespace quista::test {
 
 /// The arguments of one CompileFile.
@@ -31,12 +33,12 @@ void PrintTo(const Compilation& compilation, std::ostream* out);
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 #endif
 
-/// For the object's life the thread's MOF compiler: factory and compiler in one. COM must be
+/// For the object's life the thread's MOF compiler: COM must be
 /// initialised, and nothing else registered in this place.
 class RecordingCompiler final : public IMofCompiler {
   public:
-    RecordingCompiler();
-    ~RecordingCompiler();
+    RecordingCompiler() = default;
+    ~RecordingCompiler() = default;
     RecordingCompiler(const RecordingCompiler&) = delete;
     RecordingCompiler& operator=(const RecordingCompiler&) = delete;
 
@@ -63,23 +65,7 @@ class RecordingCompiler final : public IMofCompiler {
     }
 
   private:
-    class Factory final : public IClassFactory {
-      public:
-        explicit Factory(RecordingCompiler& compiler) : compiler_(compiler) {}
-
-        HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-        ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-        ULONG STDMETHODCALLTYPE Release() override { return 1; }
-        HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid,
-                                                 void** object) override;
-        HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-
-      private:
-        RecordingCompiler& compiler_;
-    };
-
-    Factory factory_{*this};
-    DWORD registration_ = 0;
+    RegisteredObject registration_{CLSID_MofCompiler, *this};
     std::deque<HRESULT> results_;
     std::vector<Compilation> compilations_;
 };

@@ -1,6 +1,7 @@
 // The process-wide session state behind the exports.
 #include "frame/session.h"
 #include "tests/frame/session_test.h"
+#include "tests/wmi/recorded_services.h"
 
 namespace quista::test {
 namespace {
@@ -101,6 +102,15 @@ TEST_F(SessionStateTest, Compiler_StaysUntilUninitialize) {
     EXPECT_NE(gMofCompiler, nullptr);
     closeSession();
     EXPECT_EQ(gMofCompiler, nullptr);
+}
+
+TEST_F(SessionStateTest, Check_AsksForNoObject) {
+    makeHealthy();
+    openSession();
+    const RecordedServices services;
+    EXPECT_EQ(DSMCheckForKORVADSMClasses(), 0u);
+    EXPECT_THAT(services.calls(), testing::ElementsAre(ServiceCall{
+                                      L"GetObject", L"KORVADSM_LUNINFO", L"", 0, L"", L"", true}));
 }
 
 TEST_F(SessionStateTest, Uninitialize_ReleasesInOrder) {

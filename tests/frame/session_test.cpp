@@ -3,8 +3,10 @@
 #include "tests/frame/session_test.h"
 
 #include "quista/mpio.h"
+#include "tests/frame/recording_locator.h"
 #include "tests/support/allocation_spy.h"
 #include "tests/support/console_capture.h"
+#include "tests/support/import_patch.h"
 
 namespace quista::test {
 namespace {
@@ -256,6 +258,57 @@ TEST_F(SessionTest, Initialize_Twice_FirstSessionStaysAlive) {
     EXPECT_EQ(DSMUninitialize(), 0u);
     EXPECT_EQ(host->liveObjects(), kOpenSession);
     EXPECT_THAT(log.lines(), ElementsAre(kInitialised, kInitialised));
+}
+
+TEST_F(SessionTest, Initialize_AgainWithoutLocator_LeavesTheConnections) {
+    makeHealthy();
+    EXPECT_EQ(DSMInitialize(0), DSM_SUCCESS);
+    host->setLocatorFailure(E_OUTOFMEMORY);
+    EXPECT_EQ(DSMInitialize(0), DSM_WMI_CONNECT_FAILED);
+    EXPECT_EQ(DSMCheckForKORVADSMClasses(), 0u);
+    EXPECT_EQ(DSMUninitialize(), 0u);
+    EXPECT_EQ(host->liveObjects(), (simulator::LiveObjects{.locators = 1}));
+}
+
+TEST_F(SessionTest, Initialize_ConnectsAsTheCallerWithoutLimit) {
+    host->stop();
+    const RecordingLocator locator;
+    EXPECT_EQ(DSMInitialize(0), DSM_WMI_CONNECT_FAILED);
+    EXPECT_EQ(DSMUninitialize(), 0u);
+    EXPECT_THAT(locator.connections(),
+                ElementsAre(Connection{L"root\\wmi", 0}, Connection{L"root\\cimv2", 0}));
+}
+
+// ---- The version of Windows
+
+DWORD versionRecordSize = 0;
+
+BOOL WINAPI isWindows52(OSVERSIONINFOW* version) {
+    versionRecordSize = version->dwOSVersionInfoSize;
+    version->dwMajorVersion = 5;
+    version->dwMinorVersion = 2;
+    return TRUE;
+}
+
+BOOL WINAPI cannotTellWindows(OSVERSIONINFOW* version) {
+    isWindows52(version);
+    return FALSE;
+}
+
+TEST_F(SessionTest, Initialize_VersionUnknown_NoRepair) {
+    const LogLine missing{"ParseDisksInfo: IEnumWbemClassObject::Next",
+                          logged(WBEM_E_INVALID_CLASS)};
+    addVendorClasses();
+    {
+        const ImportPatch patch("GetVersionExW", &isWindows52);
+        EXPECT_EQ(DSMInitialize(1), DSM_WMI_PARSING_ERROR);
+        EXPECT_THAT(log.take(), ElementsAre(missing, LogLine{"Could not find InstallDir!", 55},
+                                            missing, kInitialised));
+        EXPECT_EQ(versionRecordSize, 276u);
+    }
+    const ImportPatch patch("GetVersionExW", &cannotTellWindows);
+    EXPECT_EQ(DSMInitialize(1), DSM_WMI_PARSING_ERROR);
+    EXPECT_THAT(log.take(), ElementsAre(missing, kInitialised));
 }
 
 TEST_F(SessionTest, Initialize_AfterAPartlyOpenSession_OpensTheRest) {

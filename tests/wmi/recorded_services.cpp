@@ -39,7 +39,7 @@ HRESULT STDMETHODCALLTYPE RecordedServices::GetObject(const BSTR path, LONG flag
                                                       IWbemCallResult** result) {
     EXPECT_EQ(context, nullptr);
     EXPECT_EQ(result, nullptr);
-    calls_.push_back({L"GetObject", path, L"", flags, L"", L""});
+    calls_.push_back({L"GetObject", path, L"", flags, L"", L"", object == nullptr});
     return connection_->GetObject(path, flags, context, object, result);
 }
 

@@ -16,8 +16,9 @@ struct ServiceCall {
     std::wstring target;  ///< class, query or object path
     std::wstring detail;  ///< query language or WMI method
     LONG flags = 0;
-    std::wstring input;   ///< MOF text of the in-parameters or of the instance; empty without
-    std::wstring output;  ///< MOF text of the out-parameters that came back
+    std::wstring input;         ///< MOF text of the in-parameters or of the instance; empty without
+    std::wstring output;        ///< MOF text of the out-parameters that came back
+    bool wantsNothing = false;  ///< a GetObject without a place for the object
 
     bool operator==(const ServiceCall&) const = default;
 };
