@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "cli/console_text.h"
 #include "cli/text.h"
 
 namespace quista::cli {
@@ -29,17 +30,16 @@ HandleOutput::HandleOutput(DWORD standardHandle) {
 }
 
 HandleOutput::~HandleOutput() {
-    if (handle_ == nullptr) return;
-    if (takesColor_) SetConsoleMode(handle_, originalMode_);
-    CloseHandle(handle_);
+    if (handle_ != nullptr) CloseHandle(handle_);
 }
 
 // The null device counts as a terminal for the C runtime; only a console has a mode.
 void HandleOutput::setUpConsole() {
-    isConsole_ = GetConsoleMode(handle_, &originalMode_) != FALSE;
-    if (!isConsole_) return;
-    takesColor_ = SetConsoleMode(handle_, originalMode_ | ENABLE_PROCESSED_OUTPUT |
-                                              ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
+    DWORD mode = 0;
+    isConsole_ = GetConsoleMode(handle_, &mode) != FALSE;
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    takesColor_ = isConsole_ && GetConsoleScreenBufferInfo(handle_, &info);
+    originalAttributes_ = info.wAttributes;
 }
 
 bool HandleOutput::write(std::string_view text) {
@@ -56,7 +56,16 @@ std::optional<std::size_t> HandleOutput::width() const {
 }
 
 bool HandleOutput::writeToConsole(std::string_view text) {
-    const std::wstring wide = toWide(text);
+    for (const ConsolePiece& piece : splitAtSequences(text)) {
+        if (!piece.sequence.empty()) {
+            SetConsoleTextAttribute(handle_, attributesFor(piece.sequence, originalAttributes_));
+        }
+        if (!writeWide(toWide(piece.text))) return false;
+    }
+    return true;
+}
+
+bool HandleOutput::writeWide(const std::wstring& wide) {
     std::wstring_view rest = wide;
     while (!rest.empty()) {
         std::size_t length = std::min(rest.size(), kConsolePiece);

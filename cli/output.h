@@ -16,7 +16,7 @@ class Output {
     virtual bool write(std::string_view text) = 0;
     /// Columns of the terminal; none when it is no terminal.
     virtual std::optional<std::size_t> width() const = 0;
-    /// True for a terminal that understands escape sequences.
+    /// True for a terminal that shows the tool's escape sequences as colours.
     virtual bool takesColor() const = 0;
 
   protected:
