@@ -1,9 +1,11 @@
 // The LUN's own fields of the disk record, and the block that holds them.
+#include <cstdlib>
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/luns/luns_test.h"
+#include "tests/support/import_patch.h"
 #include "tests/support/text.h"
 
 namespace quista::test {
@@ -65,6 +67,34 @@ TEST_F(DiskRecordTest, UnfilledBytesAreZero) {
     EXPECT_THAT(disk.info->Reserved2, Each(0));
     const auto* path = reinterpret_cast<const unsigned char*>(&disk.info->Paths[0]);
     EXPECT_THAT(std::vector<unsigned char>(path, path + sizeof(_KORVADSM_PATHINFO)), Each(0));
+}
+
+// ---- Memory
+
+std::size_t refusedBytes = 0;
+int refusals = 0;
+
+/// Refuses blocks of one size and counts them.
+void* mallocWithoutOneSize(std::size_t size) {
+    if (size != refusedBytes) return std::malloc(size);
+    ++refusals;
+    return nullptr;
+}
+
+TEST_F(DiskRecordTest, TextWithoutMemoryLeavesItsField) {
+    // The path's own characters, two quotes and a terminator: a size of no other text.
+    const std::wstring path(211, L'p');
+    refusedBytes = (path.size() + 3) * sizeof(wchar_t);
+    refusals = 0;
+    openWith({lunWith(L"S1", {}).text(L"LunPath", path)});
+    const auto lun = onlyLun();
+    const ImportPatch patch("malloc", &mallocWithoutOneSize);
+    const ParsedDisk disk = parse(lun.get());
+    EXPECT_EQ(refusals, 1);
+    EXPECT_EQ(disk.status, 0u);
+    EXPECT_STREQ(disk.info->LunPath, L"");
+    EXPECT_STREQ(disk.info->SerialNumber, L"S1");
+    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 // ---- The block
