@@ -58,4 +58,13 @@ std::vector<FieldHelp> fieldHelp(Fields<Record> fields) {
     return help;
 }
 
+/// The field lists of several kinds of record, one behind the other.
+inline std::vector<FieldHelp> joined(const std::vector<std::vector<FieldHelp>>& lists) {
+    std::vector<FieldHelp> help;
+    for (const std::vector<FieldHelp>& list : lists) {
+        help.insert(help.end(), list.begin(), list.end());
+    }
+    return help;
+}
+
 }  // namespace quista::cli

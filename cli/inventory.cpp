@@ -163,6 +163,13 @@ std::vector<Lun> selectLuns(const std::vector<Lun>& luns, const std::string& ser
     return selected;
 }
 
+std::vector<Lun> readWantedLuns(Session& session, const std::string& serial, Report& report) {
+    std::vector<Lun> luns = readLuns(session, report);
+    if (!serial.empty()) return selectLuns(luns, serial, report);
+    reportGaps(luns, report);
+    return luns;
+}
+
 std::optional<PathOfLun> findPath(const std::vector<Lun>& luns, std::uint32_t id) {
     for (const Lun& lun : luns) {
         for (const Path& path : lun.paths) {

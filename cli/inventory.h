@@ -25,6 +25,9 @@ void reportGaps(const std::vector<Lun>& luns, Report& report);
 std::vector<Lun> selectLuns(const std::vector<Lun>& luns, const std::string& serial,
                             Report& report);
 
+/// Every LUN, or where a serial number is given those that bear it; and their gaps.
+std::vector<Lun> readWantedLuns(Session& session, const std::string& serial, Report& report);
+
 /// The path with this identifier; the LUNs must outlive it.
 std::optional<PathOfLun> findPath(const std::vector<Lun>& luns, std::uint32_t id);
 

@@ -128,12 +128,9 @@ class AdaptersCommand final : public Command {
         return "quistactl adapters --path 0x00000101   the adapter that carries one path";
     }
     std::vector<FieldHelp> fields() const override {
-        std::vector<FieldHelp> help = fieldHelp(Fields<Adapter>(kAdapterFields));
-        for (const auto& more : {fieldHelp(Fields<AdapterPort>(kPortFields)),
-                                 fieldHelp(Fields<Portal>(kPortalFields))}) {
-            help.insert(help.end(), more.begin(), more.end());
-        }
-        return help;
+        return joined({fieldHelp(Fields<Adapter>(kAdapterFields)),
+                       fieldHelp(Fields<AdapterPort>(kPortFields)),
+                       fieldHelp(Fields<Portal>(kPortalFields))});
     }
 
     void declare(Arguments& arguments) override {

@@ -16,10 +16,7 @@ class LunCommand final : public Command {
         return "quistactl lun kvA7r2Qm9T01     by the serial number that luns prints";
     }
     std::vector<FieldHelp> fields() const override {
-        std::vector<FieldHelp> help = fieldHelp(lunFields());
-        const std::vector<FieldHelp> ofPaths = fieldHelp(pathAndAdapterFields());
-        help.insert(help.end(), ofPaths.begin(), ofPaths.end());
-        return help;
+        return joined({fieldHelp(lunFields()), fieldHelp(pathAndAdapterFields())});
     }
 
     void declare(Arguments& arguments) override {
@@ -28,7 +25,7 @@ class LunCommand final : public Command {
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
-        std::vector<Lun> luns = selectLuns(readLuns(session, report), serial_, report);
+        std::vector<Lun> luns = readWantedLuns(session, serial_, report);
         findAdapters(session, luns, Severity::kWarning, report);
         Section section = sectionOf("luns", kDetails, lunFields(), luns);
         for (std::size_t i = 0; i < luns.size(); ++i) {

@@ -21,12 +21,7 @@ class PathsCommand final : public Command {
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
-        std::vector<Lun> luns = readLuns(session, report);
-        if (serial_.empty()) {
-            reportGaps(luns, report);
-        } else {
-            luns = selectLuns(luns, serial_, report);
-        }
+        std::vector<Lun> luns = readWantedLuns(session, serial_, report);
         findAdapters(session, luns, Severity::kWarning, report);
         std::vector<PathOfLun> paths;
         for (const Lun& lun : luns) {

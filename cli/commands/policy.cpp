@@ -123,7 +123,7 @@ class PolicyShowCommand final : public Command {
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
-        const std::vector<Lun> luns = selectLuns(readLuns(session, report), serial_, report);
+        const std::vector<Lun> luns = readWantedLuns(session, serial_, report);
         std::vector<PolicyOfLun> policies;
         if (!luns.empty()) {
             policies = policiesOf(luns.front(), readSupported(session, serial_, report));
@@ -151,7 +151,7 @@ class PolicySetCommand final : public Command {
     void execute(const Context& context, Report& report) override {
         const std::uint32_t policy = parsePolicy(policy_).value_or(0);
         Session session(context);
-        const std::vector<Lun> before = selectLuns(readLuns(session, report), serial_, report);
+        const std::vector<Lun> before = readWantedLuns(session, serial_, report);
         if (before.empty()) return;
         if (before.size() > 1) {
             throw Failure(ExitCode::kRefused, DSM_SUCCESS,
@@ -176,7 +176,7 @@ class PolicySetCommand final : public Command {
 
   private:
     void showResult(Session& session, std::uint32_t policy, Change& change, Report& report) const {
-        const std::vector<Lun> luns = selectLuns(readLuns(session, report), serial_, report);
+        const std::vector<Lun> luns = readWantedLuns(session, serial_, report);
         report.sections.push_back(sectionOf("luns", kTable, lunFields(), luns));
         if (changeOptions_.isDryRun || luns.empty() || luns.front().policy == policy) return;
         change.reportNoEffect(fmt::format("the policy is {} ({})", policyName(luns.front().policy),

@@ -90,12 +90,7 @@ class ReservationShowCommand final : public Command {
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
-        std::vector<Lun> luns = readLuns(session, report);
-        if (serial_.empty()) {
-            reportGaps(luns, report);
-        } else {
-            luns = selectLuns(luns, serial_, report);
-        }
+        const std::vector<Lun> luns = readWantedLuns(session, serial_, report);
         report.sections.push_back(sectionOf("keys", kTable, Fields<PlacedKey>(kKeyFields),
                                             readKeys(session, luns, report)));
     }

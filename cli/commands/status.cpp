@@ -55,12 +55,9 @@ class StatusCommand final : public Command {
         return "quistactl status               presence, controllers, driver versions, counts";
     }
     std::vector<FieldHelp> fields() const override {
-        std::vector<FieldHelp> help = fieldHelp(Fields<Framework>(kStatusFields));
-        for (const auto& more : {fieldHelp(Fields<Controller>(kControllerFields)),
-                                 fieldHelp(Fields<DriverFile>(kFileFields))}) {
-            help.insert(help.end(), more.begin(), more.end());
-        }
-        return help;
+        return joined({fieldHelp(Fields<Framework>(kStatusFields)),
+                       fieldHelp(Fields<Controller>(kControllerFields)),
+                       fieldHelp(Fields<DriverFile>(kFileFields))});
     }
 
     void execute(const Context& context, Report& report) override {

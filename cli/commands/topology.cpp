@@ -122,13 +122,10 @@ class TopologyCommand final : public Command {
         return "quistactl topology kvA7r2Qm9T01   how one LUN is reached";
     }
     std::vector<FieldHelp> fields() const override {
-        std::vector<FieldHelp> help = fieldHelp(Fields<Host>(kHostFields));
-        for (const auto& more : {fieldHelp(Fields<AdapterPort>(kPortFields)),
-                                 fieldHelp(Fields<TargetPort>(kTargetFields)),
-                                 fieldHelp(Fields<PathOfLun>(kPathFields))}) {
-            help.insert(help.end(), more.begin(), more.end());
-        }
-        return help;
+        return joined({fieldHelp(Fields<Host>(kHostFields)),
+                       fieldHelp(Fields<AdapterPort>(kPortFields)),
+                       fieldHelp(Fields<TargetPort>(kTargetFields)),
+                       fieldHelp(Fields<PathOfLun>(kPathFields))});
     }
 
     void declare(Arguments& arguments) override {
@@ -137,12 +134,7 @@ class TopologyCommand final : public Command {
 
     void execute(const Context& context, Report& report) override {
         Session session(context);
-        std::vector<Lun> luns = readLuns(session, report);
-        if (serial_.empty()) {
-            reportGaps(luns, report);
-        } else {
-            luns = selectLuns(luns, serial_, report);
-        }
+        std::vector<Lun> luns = readWantedLuns(session, serial_, report);
         findAdapters(session, luns, Severity::kError, report);
         const Host host{session.hostName(), session.isSimulated()};
         report.sections.push_back(treeOf(host, adapterPortsOf(luns)));
