@@ -25,8 +25,9 @@ unsigned char KORVADSMIsLoaded();
 ///         DSM_NO_MEMORY; DSM_WMI_PARSING_ERROR when the controller configuration cannot be read
 unsigned long KORVADSMIsInstalled(unsigned char* installed);
 
-/// Reads the controllers that MPIO knows.
-/// @param config receives a block that the caller frees with CoTaskMemFree; not written on failure
+/// Reads the controllers that MPIO knows (class MPIO_CONTROLLER_CONFIGURATION).
+/// @param config receives a block that the caller frees with CoTaskMemFree; not written on failure,
+///               when the block is left to the process
 /// @return 0; DSM_NO_MEMORY; DSM_WMI_PARSING_ERROR
 unsigned long DSMGetControllerConfig(_MPIO_CONTROLLER_CONFIGURATION** config);
 
@@ -36,21 +37,27 @@ unsigned long DSMGetControllerConfig(_MPIO_CONTROLLER_CONFIGURATION** config);
 ///         instance gives the count
 unsigned long DSMGetNumberMpioLUNs(unsigned long* count);
 
-/// Lists the MPIO disks with serial number, DSM and number of paths (class MPIO_DISK_INFO).
-/// @param disks allocated by the caller with room for all disks
+/// Lists the MPIO disks with serial number, DSM and number of paths (class MPIO_DISK_INFO). Each
+/// call leaves a few texts per disk to the process.
+/// @param disks allocated by the caller with room for all disks; at most as many are listed as
+///              DSMInitialize counted
 /// @return 0; DSM_WMI_FAILURE when the class cannot be enumerated; DSM_WMI_PARSING_ERROR when a
 ///         property cannot be read or no disk is listed
 unsigned long DSMGetAllLunsEx(_DSM_DISKS* disks);
 
 /// Lists the MPIO disks with the paths of each (class MPIO_GET_DESCRIPTOR).
 /// @param list allocated by the caller with room for all disks; on success the caller frees each
-///             descriptor with CoTaskMemFree; after any other status it holds nothing usable
-/// @return 0; DSM_WMI_FAILURE when there is no disk or the class cannot be enumerated;
-///         DSM_WMI_PARSING_ERROR when a property cannot be read; DSM_WMI_NOT_SUPPORTED when the
-///         class is missing; DSM_NULL_MPIO_DESCRIPTOR without memory
+///             descriptor with CoTaskMemFree; after any other status it holds nothing usable, and
+///             its count may be unwritten or 0xFFFFFFFF
+/// @return 0; DSM_WMI_FAILURE when there is no disk, the class cannot be enumerated, a disk does
+/// not
+///         tell its number of paths or its paths are no array; DSM_WMI_PARSING_ERROR when another
+///         property cannot be read or a disk has no paths; DSM_WMI_NOT_SUPPORTED when the class is
+///         missing; DSM_NULL_MPIO_DESCRIPTOR without memory
 unsigned long DSMGetMpioDescr(_MPIO_DESCRIPTOR_LIST* list);
 
-/// Reads the file versions and last-write times of the calling program and the three drivers.
+/// Reads the file versions and last-write times of the calling program and of the drivers
+/// korvadsm.sys, mpio.sys and msiscdsm.sys or msdsm.sys.
 /// @param version allocated by the caller; the entry of a file that cannot be read is left alone
 /// @return 0, whatever became of the files; DSM_ERROR without the environment variable SYSTEMROOT;
 ///         DSM_INVALID_DSM_VERSION for a null pointer or when the program's name is unknown

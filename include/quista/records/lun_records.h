@@ -33,8 +33,8 @@ struct _KORVADSM_PATHINFO {
 };
 
 /// One LUN with its paths, in one block that the library allocates and the caller frees with
-/// CoTaskMemFree. FilerName, KORVAVersionString and SerialNumber hold at most 65 characters and are
-/// terminated only up to 64.
+/// CoTaskMemFree. FilerName, KORVAVersionString and SerialNumber hold at most 65 characters; in the
+/// last two a text of 65 has no terminator.
 struct _KORVADSM_DISKINFO {
     wchar_t FilerName[130];           ///< property FilerName, the storage system
     wchar_t KORVAVersionString[65];   ///< property KORVAVersionString, its software
@@ -54,7 +54,7 @@ struct _KORVADSM_DISKINFO {
     _KORVADSM_PATHINFO Paths[1];      ///< one record per path
 };
 
-/// One LUN without its paths: the leading part of _KORVADSM_DISKINFO, field for field.
+/// One LUN without its paths: the leading part of _KORVADSM_DISKINFO, field for field as there.
 struct _KORVADSM_LUN {
     wchar_t FilerName[130];
     wchar_t KORVAVersionString[65];
@@ -73,8 +73,8 @@ struct _KORVADSM_LUN {
 
 /// All LUNs of the DSM. The caller allocates it with room for as many entries as there are LUNs.
 struct _KORVADSM_DISKS {
-    unsigned long NumberDisks;
-    _KORVADSM_LUN Disks[1];
+    unsigned long NumberDisks;  ///< number of entries
+    _KORVADSM_LUN Disks[1];     ///< in the order of WMI
 };
 
 /// One path as the lookup by serial number reports it.
@@ -84,9 +84,9 @@ struct _DSM_PATHINFO {
     unsigned long Reserved2[4];          ///< never written
     unsigned long Protocol;              ///< bit 0: Fibre Channel, bit 1: iSCSI
     unsigned long Reserved3;             ///< never written
-    unsigned long PrimaryPath;           ///< property PrimaryPath
+    unsigned long PrimaryPath;           ///< 1 when property PrimaryPath is true, else 0
     unsigned long Reserved4;             ///< never written
-    unsigned long TargetIPv4Address;     ///< property TargetIPv4Address
+    unsigned long TargetIPv4Address;     ///< lowest byte first; 0 when the target has IPv6
     unsigned long Reserved5[4];          ///< never written
     unsigned char TargetFcpPortname[8];  ///< target port WWN
     unsigned char TargetFcpNodename[8];  ///< target node WWN

@@ -48,14 +48,15 @@ struct _MPIO_SCSI_ADDRESS {
 /// One path of an MPIO disk (embedded class PDO_INFORMATION).
 struct _PDO_INFORMATION {
     _MPIO_SCSI_ADDRESS ScsiAddress;
-    unsigned long long PathIdentifier;  ///< property PathIdentifier
+    unsigned long long PathIdentifier;  ///< property PathIdentifier; of a DSM's path its PathId
     unsigned char Reserved[48];         ///< never written
 };
 
-/// One MPIO disk with its paths (class MPIO_GET_DESCRIPTOR). Allocated by the library with room for
-/// NumberPdos + 1 paths; freed by the caller with CoTaskMemFree.
+/// One MPIO disk with its paths (class MPIO_GET_DESCRIPTOR), or a LUN of the DSM in the same form,
+/// without a device name. Allocated by the library with room for NumberPdos + 1 paths; freed by the
+/// caller with CoTaskMemFree.
 struct _MPIO_GET_DESCRIPTOR {
-    unsigned long NumberPdos;  ///< property NumberPdos, the number of paths
+    unsigned long NumberPdos;  ///< number of paths: property NumberPdos, or NumberOfPaths of a LUN
     /// Property DeviceName between double quotes. A name that fills the field has no terminator.
     wchar_t DeviceName[64];
     _PDO_INFORMATION PdoInformation[1];
