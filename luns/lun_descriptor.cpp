@@ -1,5 +1,7 @@
 #include "luns/lun_descriptor.h"
 
+#include <algorithm>
+
 #include "frame/console.h"
 #include "mpio/descriptor_block.h"
 #include "quista/status.h"
@@ -93,7 +95,8 @@ DWORD parsePath(IWbemClassObject* object, _PDO_INFORMATION& entry, _DSM_PATHINFO
 
 DWORD parsePaths(const VARIANT& paths, _MPIO_GET_DESCRIPTOR& descriptor, _DSM_DISKINFO* diskInfo) {
     // The block holds one path more than the count; what goes beyond is not fetched.
-    ObjectTable objects(static_cast<std::size_t>(descriptor.NumberPdos) + 1);
+    const unsigned long room = std::max(descriptor.NumberPdos, descriptor.NumberPdos + 1);
+    ObjectTable objects(roomFor(paths, room));
     for (LONG i = 0, count = objects.fill(paths); i < count; ++i) {
         // The caller's record has room for the paths counted, and may be missing.
         const bool wanted =

@@ -6,6 +6,7 @@
 
 #include "frame/console.h"
 #include "frame/error_log.h"
+#include "mpio/object_or_array.h"
 #include "quista/status.h"
 #include "wmi/property.h"
 #include "wmi/query.h"
@@ -36,24 +37,22 @@ DWORD parseArray(const VARIANT& controllers, _MPIO_CONTROLLER_CONFIGURATION& con
     return status;
 }
 
-DWORD parseSingle(const VARIANT& controller, _MPIO_CONTROLLER_CONFIGURATION& config,
+DWORD parseSingle(IWbemClassObject* controller, _MPIO_CONTROLLER_CONFIGURATION& config,
                   DWORD& entryCount) {
     traceLine(L"WARNING: ControllerInfo is not an array!\n");
-    ComRef<IWbemClassObject> object;
-    static_cast<void>(toEmbeddedObject(controller, object));
     // Kept: whether it could be parsed does not matter.
-    static_cast<void>(ParseControllerInfo(object.get(), &config.ControllerInfo[0]));
+    static_cast<void>(ParseControllerInfo(controller, &config.ControllerInfo[0]));
     entryCount = 1;
     return DSM_SUCCESS;
 }
 
-DWORD parseControllers(const VARIANT& controllers, _MPIO_CONTROLLER_CONFIGURATION& config,
+DWORD parseControllers(const ObjectOrArray& controllers, _MPIO_CONTROLLER_CONFIGURATION& config,
                        DWORD& entryCount) {
-    switch (controllers.vt) {
+    switch (controllers.value.type()) {
         case VT_UNKNOWN:
-            return parseSingle(controllers, config, entryCount);
+            return parseSingle(controllers.single.get(), config, entryCount);
         case VT_ARRAY | VT_UNKNOWN:
-            return parseArray(controllers, config, entryCount);
+            return parseArray(controllers.value.get(), config, entryCount);
         case VT_NULL:
             traceFormatted(L"No MPIO_CONTROLLER_INFO instances, NumberControllers=%d\n",
                            config.NumberControllers);
@@ -81,13 +80,13 @@ DWORD ParseMPIOControllerConfig(_MPIO_CONTROLLER_CONFIGURATION* config, DWORD* e
             continue;
         }
         config->NumberControllers = count.rawLong();
-        UniqueVariant controllers;
-        if (getOrLog(instance.get(), L"ControllerInfo", controllers,
-                     L"ParseMPIOControllerConfig::Get(ControllerInfo)") != S_OK) {
+        ObjectOrArray controllers;
+        if (logFailure(controllers.read(instance.get(), L"ControllerInfo"),
+                       L"ParseMPIOControllerConfig::Get(ControllerInfo)") != S_OK) {
             continue;
         }
         // Only the first instance that gives both properties counts.
-        return parseControllers(controllers.get(), *config, *entryCount);
+        return parseControllers(controllers, *config, *entryCount);
     }
     return DSM_WMI_PARSING_ERROR;
 }

@@ -8,6 +8,7 @@
 
 #include "frame/error_log.h"
 #include "frame/guard.h"
+#include "frame/task_memory.h"
 #include "mpio/descriptor_block.h"
 #include "mpio/descriptor_parser.h"
 #include "quista/frame.h"
@@ -32,7 +33,8 @@ HRESULT nextDescriptor(IEnumWbemClassObject* instances, ComRef<IWbemClassObject>
     return result;
 }
 
-LONG roomFor(unsigned long numberOfPaths) {
+/// Path entries of a descriptor's block.
+LONG entriesFor(unsigned long numberOfPaths) {
     constexpr unsigned long kMaximum = std::numeric_limits<LONG>::max() - 1;
     return static_cast<LONG>(std::min(numberOfPaths, kMaximum)) + 1;
 }
@@ -68,12 +70,12 @@ DWORD readDescriptors(_MPIO_DESCRIPTOR_LIST& list) {
         if (getProperty(instance.get(), L"NumberPdos", paths) != S_OK) {
             return breakOff(DSM_NO_MPIO_PATHS, DSM_WMI_FAILURE);
         }
-        _MPIO_GET_DESCRIPTOR* descriptor = allocateDescriptor(paths.rawLong());
+        UniqueTaskMemory<_MPIO_GET_DESCRIPTOR> descriptor(allocateDescriptor(paths.rawLong()));
         if (descriptor == nullptr) {
             return breakOff(DSM_NULL_MPIO_DESCRIPTOR, DSM_NULL_MPIO_DESCRIPTOR);
         }
-        status = ParseMpioDescr(instance.get(), descriptor, roomFor(paths.rawLong()));
-        list.Descriptor[counter++] = descriptor;
+        status = ParseMpioDescr(instance.get(), descriptor.get(), entriesFor(paths.rawLong()));
+        list.Descriptor[counter++] = descriptor.release();
         if (status != DSM_SUCCESS) {
             ReportError(kFunction, DSM_NO_MEMORY);
             freeAll(list, counter);

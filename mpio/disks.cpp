@@ -6,6 +6,7 @@
 #include "frame/guard.h"
 #include "frame/session.h"
 #include "mpio/drive_parser.h"
+#include "mpio/object_or_array.h"
 #include "quista/frame.h"
 #include "quista/mpio.h"
 #include "wmi/property.h"
@@ -18,7 +19,7 @@ namespace {
 
 DWORD parseDriveArray(const VARIANT& drives, _DSM_DISKS& disks, DWORD& entryCount) {
     // As many drives as the session counted; what goes beyond is not fetched.
-    ObjectTable objects(gMpioLunCount);
+    ObjectTable objects(roomFor(drives, gMpioLunCount));
     DWORD status = DSM_WMI_PARSING_ERROR;
     for (LONG i = 0, count = objects.fill(drives); i < count; ++i) {
         status = ParseLunInfo(objects.at(i), &disks.DriveInfo[i]);
@@ -36,20 +37,7 @@ DWORD parseSingleDrive(IWbemClassObject* drive, _DSM_DISKS& disks, DWORD& entryC
     return status;
 }
 
-/// The value of DriveInfo. Where an array is expected, a single drive is taken too.
-struct Drives {
-    UniqueVariant value;
-    ComRef<IWbemClassObject> single;
-};
-
-/// Reads the drives. A single drive without an object behind it counts as a failed read.
-HRESULT readDrives(IWbemClassObject* instance, Drives& drives) {
-    const HRESULT result = getProperty(instance, L"DriveInfo", drives.value);
-    if (result != S_OK || drives.value.type() != VT_UNKNOWN) return result;
-    return toEmbeddedObject(drives.value.get(), drives.single);
-}
-
-DWORD parseDrives(const Drives& drives, _DSM_DISKS& disks, DWORD& entryCount) {
+DWORD parseDrives(const ObjectOrArray& drives, _DSM_DISKS& disks, DWORD& entryCount) {
     switch (drives.value.type()) {
         case VT_UNKNOWN:
             return parseSingleDrive(drives.single.get(), disks, entryCount);
@@ -78,9 +66,9 @@ DWORD ParseDisksInfo(_DSM_DISKS* disks, DWORD* entryCount) {
         }
         disks->NumberDrives = count.rawLong();
 
-        Drives drives;
-        if (logFailure(readDrives(instance.get(), drives), L"ParseDisksInfo::Get(LunInfo)") !=
-            S_OK) {
+        ObjectOrArray drives;
+        if (logFailure(drives.read(instance.get(), L"DriveInfo"),
+                       L"ParseDisksInfo::Get(LunInfo)") != S_OK) {
             OutputDebugStringW(L"ParseDisksInfo: IWbemClassObject::Get(LunInfo).\n");
             // Kept: such an instance is not released.
             instance.keepOnPurpose();

@@ -88,6 +88,24 @@ TEST_P(DiskLookupTest, SerialNumberIsComparedExactly) {
     EXPECT_EQ(countOf(memory.survivors(), lunBlockSize(0)), 0) << "its block is freed";
 }
 
+TEST_P(DiskLookupTest, BlockOfALunThatDiffersIsTakenBack) {
+    openWith({lunWith(L"s1", {})});
+    _KORVADSM_DISKINFO other;
+    _KORVADSM_DISKINFO* out = &other;
+    wchar_t serial[] = L"S1";
+    EXPECT_EQ(CallGetDiskInfoKORVA(serial, &out), 27u);
+    EXPECT_EQ(out, nullptr);
+}
+
+TEST_P(DiskLookupTest, EnumerationThatBreaksOffBehindALunThatDiffers) {
+    openWith({lunWith(L"s1", {})});
+    host.failNext(kLunClass, resultOf(0x00040004), 2);
+    const FoundDisk disk = find(L"S1");
+    EXPECT_EQ(disk.status, 43u);
+    EXPECT_EQ(disk.info, nullptr);
+    EXPECT_THAT(log.lines(), ElementsAre(LogLine{kDiskNext, 0x00040004}));
+}
+
 TEST_P(DiskLookupTest, SearchGoesOnBehindALunThatDiffers) {
     openWith({namedLun(L"a", L"s1", {fibreChannelPath(1)}), namedLun(L"b", L"S1", {iscsiPath(2)}),
               namedLun(L"c", L"S1", {iscsiPath(3)})});

@@ -56,6 +56,14 @@ TEST_F(PathCountTest, LunThatDiffersInCaseLeavesItsCount) {
     EXPECT_THAT(log.lines(), ElementsAre(LogLine{kCountNext, 1}));
 }
 
+TEST_F(PathCountTest, EnumerationThatBreaksOffKeepsTheLastCount) {
+    openWith({namedLun(L"a", L"s1").number(L"NumberOfPaths", 5)});
+    host.failNext(kLunClass, resultOf(0x80041002), 2);
+    EXPECT_EQ(count(L"S1"), 22u);
+    EXPECT_EQ(numberOfPaths, 5);
+    EXPECT_THAT(log.lines(), ElementsAre(LogLine{kCountNext, 0x80041002}));
+}
+
 TEST_F(PathCountTest, SearchGoesOnBehindALunThatDiffers) {
     openWith({namedLun(L"a", L"s1").number(L"NumberOfPaths", 5),
               namedLun(L"b", L"S1").number(L"NumberOfPaths", 6),

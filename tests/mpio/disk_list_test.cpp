@@ -77,6 +77,15 @@ TEST_F(DiskListTest, CountIsThePropertyNotTheArray) {
     EXPECT_TRUE(record.untouchedFrom(2));
 }
 
+TEST_F(DiskListTest, LargestCountAsksForNoMoreMemoryThanTheDrives) {
+    host.add(diskInfo({drive(L"s-1")}).number(L"NumberDrives", 0xFFFFFFFF));
+    openSession();
+    const DiskRecord record(1);
+    EXPECT_EQ(DSMGetAllLunsEx(record.get()), DSM_SUCCESS);
+    EXPECT_EQ(record.get()->NumberDrives, 0xFFFFFFFFu);
+    EXPECT_STREQ(record.drive(0).SerialNumber, L"s-1");
+}
+
 TEST_F(DiskListTest, OnlyFirstReadableInstanceIsUsed) {
     host.add(diskInfo({drive(L"s-1")}, L"first"));
     host.add(diskInfo({drive(L"s-2"), drive(L"s-3")}, L"second"));

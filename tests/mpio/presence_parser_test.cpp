@@ -143,16 +143,18 @@ TEST_F(ControllerTest, SingleObjectThatCannotBeReadIsStillSuccess) {
                 ElementsAre(controllerFailure("ControllerInfo::Get(ControllerState)", kNotFound)));
 }
 
-TEST_F(ControllerTest, SingleObjectThatIsNoneIsStillSuccess) {
+// A value without an object counts as one that cannot be read.
+TEST_F(ControllerTest, SingleObjectThatIsNoneIsUnreadable) {
     openWith({});
     for (IUnknown* object : {static_cast<IUnknown*>(nullptr), foreignObject()}) {
         host->clearFaults();
         host.replaceValue(kConfigurationClass, L"ControllerInfo", Value::object(object));
-        const ReadConfiguration read = readConfiguration();
-        EXPECT_EQ(read.status, DSM_SUCCESS);
-        EXPECT_TRUE(isZero(read.block->ControllerInfo[0]));
-        EXPECT_THAT(log.take(), ElementsAre(controllerFailure("ControllerInfo::Get(AssociatedDsm)",
-                                                              kNoObject)));
+        const LiveObjectsCheck live(host);
+        EXPECT_EQ(readConfiguration().status, DSM_WMI_PARSING_ERROR);
+        EXPECT_THAT(
+            log.take(),
+            ElementsAre(controllerFailure("MPIOControllerConfig::Get(ControllerInfo)", kNoObject),
+                        controllerEnd()));
     }
 }
 

@@ -10,10 +10,12 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "quista/mpio.h"
 #include "quista/status.h"
 #include "tests/support/guarded_buffer.h"
+#include "tests/support/import_patch.h"
 #include "tests/support/log_file.h"
 #include "tests/support/process_census.h"
 #include "tests/support/program_run.h"
@@ -21,6 +23,8 @@
 
 namespace quista::test {
 namespace {
+
+using testing::ElementsAre;
 
 /// The four numbers of a version.
 struct Version {
@@ -80,6 +84,9 @@ class VersionRecord {
     bool untouchedBehindDate(const _DRIVER_VERSION_ENTRY& entry) const {
         const std::size_t written = std::string(entry.Date).size() + 1;
         return buffer_.untouched(offsetOf(entry.Date + written), sizeof entry.Date - written);
+    }
+    bool untouchedDate(const _DRIVER_VERSION_ENTRY& entry) const {
+        return buffer_.untouched(offsetOf(entry.Date), sizeof entry.Date);
     }
     bool untouched() const { return buffer_.untouched(); }
 
@@ -332,6 +339,111 @@ TEST_F(VersionsTest, ProgramsPathHasAtMost127Characters) {
     runWithPathOf(127, L"VersionsTest.DISABLED_ProgramIsRead");
     runWithPathOf(128, L"VersionsTest.DISABLED_ProgramIsLeftOut");
     runWithPathOf(200, L"VersionsTest.DISABLED_ProgramIsLeftOut");
+}
+
+// ---- The system's calls fail
+
+BOOL WINAPI cannotConvert(const FILETIME*, FILETIME*) {
+    return FALSE;
+}
+
+BOOL WINAPI cannotReadCalendar(const FILETIME*, SYSTEMTIME*) {
+    return FALSE;
+}
+
+DWORD WINAPI cannotNameModule(HMODULE, wchar_t*, DWORD) {
+    return 0;
+}
+
+BOOL WINAPI cannotReadTime(HANDLE, FILETIME*, FILETIME*, FILETIME*) {
+    return FALSE;
+}
+
+BOOL WINAPI cannotReadResource(const wchar_t*, DWORD, DWORD, void*) {
+    return FALSE;
+}
+
+BOOL WINAPI cannotQuery(const void*, const wchar_t*, void**, UINT*) {
+    return FALSE;
+}
+
+std::vector<std::wstring> filesAskedFor;
+
+DWORD WINAPI sizeNotingTheFile(const wchar_t* file, DWORD* unused) {
+    const std::wstring path = file;
+    filesAskedFor.push_back(path.substr(path.find_last_of(L"\\/") + 1));
+    return GetFileVersionInfoSizeW(file, unused);
+}
+
+class FailingVersionsTest : public VersionsTest {
+  protected:
+    FailingVersionsTest() {
+        install(L"korvadsm.sys", L"first");
+        install(L"mpio.sys", L"second");
+        install(L"msiscdsm.sys", L"third");
+    }
+};
+
+TEST_F(FailingVersionsTest, TimeWithoutFormLeavesTheDate) {
+    const auto expectNumbersAlone = [&] {
+        EXPECT_EQ(DSMGetVersion(version.get()), DSM_SUCCESS);
+        EXPECT_EQ(versionOf(version->KorvaDsm), kFirst);
+        EXPECT_TRUE(version.untouchedDate(version->KorvaDsm));
+    };
+    {
+        const ImportPatch patch("FileTimeToLocalFileTime", &cannotConvert);
+        expectNumbersAlone();
+    }
+    const ImportPatch patch("FileTimeToSystemTime", &cannotReadCalendar);
+    expectNumbersAlone();
+}
+
+TEST_F(FailingVersionsTest, ProgramWithoutNameEndsTheCall) {
+    const ImportPatch patch("GetModuleFileNameW", &cannotNameModule);
+    EXPECT_EQ(DSMGetVersion(version.get()), DSM_INVALID_DSM_VERSION);
+    EXPECT_TRUE(version.untouched());
+    EXPECT_FALSE(log.exists());
+}
+
+TEST_F(FailingVersionsTest, FileWithoutTimeOrResourceIsLeftOut) {
+    const auto expectNothing = [&] {
+        EXPECT_EQ(DSMGetVersion(version.get()), DSM_SUCCESS);
+        EXPECT_TRUE(version.untouched());
+    };
+    {
+        const ImportPatch patch("GetFileTime", &cannotReadTime);
+        expectNothing();
+    }
+    {
+        const ImportPatch patch("GetFileVersionInfoW", &cannotReadResource);
+        expectNothing();
+    }
+    const ImportPatch patch("VerQueryValueW", &cannotQuery);
+    expectNothing();
+}
+
+TEST_F(FailingVersionsTest, FilesAreAskedForInOrder) {
+    const ImportPatch patch("GetFileVersionInfoSizeW", &sizeNotingTheFile);
+    filesAskedFor.clear();
+    EXPECT_EQ(DSMGetVersion(version.get()), DSM_SUCCESS);
+    ASSERT_EQ(filesAskedFor.size(), 4u) << "and not for msdsm.sys";
+    EXPECT_THAT(std::vector(filesAskedFor.begin() + 1, filesAskedFor.end()),
+                ElementsAre(L"mpio.sys", L"korvadsm.sys", L"msiscdsm.sys"));
+    filesAskedFor.clear();
+    ASSERT_TRUE(DeleteFileW(driver(L"msiscdsm.sys").c_str()));
+    EXPECT_EQ(DSMGetVersion(version.get()), DSM_SUCCESS);
+    ASSERT_EQ(filesAskedFor.size(), 5u);
+    EXPECT_EQ(filesAskedFor.back(), L"msdsm.sys");
+}
+
+TEST_F(FailingVersionsTest, FileOpenForWritingIsRead) {
+    const HANDLE file =
+        CreateFileW(driver(L"korvadsm.sys").c_str(), GENERIC_WRITE,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(DSMGetVersion(version.get()), DSM_SUCCESS);
+    CloseHandle(file);
+    EXPECT_EQ(versionOf(version->KorvaDsm), kFirst);
 }
 
 }  // namespace
