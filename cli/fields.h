@@ -14,7 +14,7 @@ namespace quista::cli {
 template <class Record>
 struct Field {
     const char* header;  ///< column header; empty for fields that only JSON has
-    const char* key;     ///< JSON key
+    const char* key;     ///< JSON key, and the field's name where JSON does not have it
     const char* help;    ///< what it is, for --help and the manual
     Value (*read)(const Record&);
     unsigned views = kEverywhere;
@@ -45,7 +45,7 @@ Section sectionOf(std::string key, View layout, Fields<Record> fields,
 /// One line of the field list of --help.
 struct FieldHelp {
     std::string_view header;
-    std::string_view key;
+    std::string_view key;  ///< empty for fields that JSON does not have
     std::string_view help;
 };
 
@@ -53,7 +53,8 @@ template <class Record>
 std::vector<FieldHelp> fieldHelp(Fields<Record> fields) {
     std::vector<FieldHelp> help;
     for (const Field<Record>& field : fields) {
-        help.push_back({field.header, field.key, field.help});
+        const bool isInJson = (field.views & View::kJson) != 0;
+        help.push_back({field.header, isInJson ? field.key : "", field.help});
     }
     return help;
 }
