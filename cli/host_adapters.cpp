@@ -6,7 +6,6 @@
 #include <array>
 #include <fmt/format.h>
 #include <list>
-#include <memory>
 #include <string_view>
 
 #include "cli/format.h"
@@ -187,7 +186,7 @@ class InitiatorRecords {
   public:
     InitiatorRecords() = default;
     ~InitiatorRecords() {
-        for (_KORVADSM_ISCSI_HBAINFO* record : *list_) {
+        for (_KORVADSM_ISCSI_HBAINFO* record : list_) {
             CoTaskMemFree(record->Portals);
             CoTaskMemFree(record);
         }
@@ -195,11 +194,10 @@ class InitiatorRecords {
     InitiatorRecords(const InitiatorRecords&) = delete;
     InitiatorRecords& operator=(const InitiatorRecords&) = delete;
 
-    std::list<_KORVADSM_ISCSI_HBAINFO*>& list() { return *list_; }
+    std::list<_KORVADSM_ISCSI_HBAINFO*>& list() { return list_; }
 
   private:
-    std::unique_ptr<std::list<_KORVADSM_ISCSI_HBAINFO*>> list_ =
-        std::make_unique<std::list<_KORVADSM_ISCSI_HBAINFO*>>();
+    std::list<_KORVADSM_ISCSI_HBAINFO*> list_;
 };
 
 Portal portalFrom(const _KORVADSM_ISCSI_PORTAL& record) {
