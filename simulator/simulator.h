@@ -53,6 +53,9 @@ struct CallRecord {
     std::wstring detail{};     ///< property, WMI method, query text, object path or file
     HRESULT result = S_OK;
     std::wstring path{};  ///< object path of GetObject, PutInstance, DeleteInstance and ExecMethod
+    // Of Put: the type of the value and the CIM type that the client gave.
+    VARTYPE valueType = VT_EMPTY;
+    long cimType = 0;
 };
 
 /// Objects that are alive, by kind.

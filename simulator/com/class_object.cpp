@@ -69,7 +69,10 @@ HRESULT ClassObject::get(std::wstring_view name, VARIANT* value, CIMTYPE* type, 
 }
 
 HRESULT STDMETHODCALLTYPE ClassObject::Put(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE type) {
-    return host()->run(propertyCall(L"Put", textOf(name)), [&] {
+    Call made = propertyCall(L"Put", textOf(name));
+    made.valueType = value != nullptr ? value->vt : static_cast<VARTYPE>(VT_NULL);
+    made.cimType = type;
+    return host()->run(made, [&] {
         if (name == nullptr || flags != 0) return wbem(WBEM_E_INVALID_PARAMETER);
         return put(name, value, type);
     });

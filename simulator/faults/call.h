@@ -1,6 +1,10 @@
 // One call of a client as faults, overrides and the trace see it.
 #pragma once
 
+#include <windows.h>
+
+#include <wbemcli.h>
+
 #include <string_view>
 
 namespace quista::simulator {
@@ -13,6 +17,8 @@ struct Call {
     std::wstring_view property{};   ///< property, or WMI method of GetMethod and ExecMethod
     std::wstring_view detail{};     ///< query text, namespace or file; empty: the property
     std::wstring_view path{};       ///< object path
+    VARTYPE valueType = VT_EMPTY;   ///< of the value that Put is given
+    CIMTYPE cimType = 0;            ///< that Put is given
 };
 
 }  // namespace quista::simulator

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <iterator>
 
 #include "control/itl_method.h"
 #include "frame/console.h"
@@ -132,6 +133,22 @@ TEST_F(PathArgumentTest, AnyOtherNameIsABooleanOfTheLowWord) {
 TEST_F(PathArgumentTest, NamesAreComparedWithTheirCase) {
     EXPECT_THAT(inputOf({{L"DsmID", 1}, {L"FORCE", 1}}), HasSubstr("Force = TRUE"));
     expectRefused({{L"DsmID", 1}, {L"pathid", 1}});
+}
+
+TEST_F(PathArgumentTest, EachNameHasItsTypes) {
+    constexpr VARTYPE kTypes[] = {VT_I4, VT_I4, VT_BOOL, VT_BSTR, VT_BSTR};
+    constexpr CIMTYPE kCimTypes[] = {0, 0, 0, CIM_UINT64, CIM_UINT64};
+    host->clearTrace();
+    call(L"Change", {{L"DsmID", 1}, {L"Weight", 2}, {L"Force", 1}, {L"PathId", 3}, {L"PathId", 4}});
+    std::size_t puts = 0;
+    for (const simulator::CallRecord& made : host->trace()) {
+        if (made.method != L"Put") continue;
+        ASSERT_LT(puts, std::size(kTypes));
+        EXPECT_EQ(made.valueType, kTypes[puts]) << puts;
+        EXPECT_EQ(made.cimType, kCimTypes[puts]) << puts;
+        ++puts;
+    }
+    EXPECT_EQ(puts, std::size(kTypes));
 }
 
 TEST_F(PathArgumentTest, TypeOfThePathIdStaysForTheArgumentsAfterIt) {

@@ -86,6 +86,17 @@ TEST_F(CallWithInputTest, ConnectionIsCalledWithTheClassAndThePath) {
     EXPECT_THAT(narrow(execution.input), HasSubstr("LoadBalancePolicy = 5"));
 }
 
+TEST_F(CallWithInputTest, PolicyIsPutUnderItsOwnType) {
+    EXPECT_EQ(call(L"SetPolicy"), 0u);
+    for (const simulator::CallRecord& made : host->trace()) {
+        if (made.method != L"Put") continue;
+        EXPECT_EQ(made.valueType, VT_I4);
+        EXPECT_EQ(made.cimType, 0);
+        return;
+    }
+    ADD_FAILURE() << "nothing was put";
+}
+
 TEST_F(CallWithInputTest, NamesAndCountAreNotLookedAt) {
     VARIANT* values[] = {&policy.get()};
     BSTR names[] = {SysAllocString(L"Weight")};

@@ -58,6 +58,19 @@ TEST_F(TimerSetTest, PathVerifyEnabled_TakesAnyByte) {
     EXPECT_TRUE(changedOnly(L"PathVerifyEnabled = 1;", L"PathVerifyEnabled = 255;"));
 }
 
+TEST_F(TimerSetTest, ValueIsASignedNumberUnderItsOwnType) {
+    host->clearTrace();
+    for (const Timer& timer : timers()) EXPECT_EQ(timer.set(5), DSM_SUCCESS);
+    std::size_t puts = 0;
+    for (const simulator::CallRecord& call : host->trace()) {
+        if (call.method != L"Put") continue;
+        EXPECT_EQ(call.valueType, VT_I4);
+        EXPECT_EQ(call.cimType, 0);
+        ++puts;
+    }
+    EXPECT_EQ(puts, 5u);
+}
+
 TEST_F(TimerSetTest, TheWholeInstanceIsWrittenBack) {
     for (const Timer& timer : timers()) {
         host->clearTrace();
