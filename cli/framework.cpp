@@ -12,8 +12,8 @@
 
 #include "cli/chatter_guard.h"
 #include "cli/hints.h"
-#include "cli/task_memory.h"
 #include "cli/text.h"
+#include "frame/task_memory.h"
 #include "quista/mpio.h"
 
 namespace quista::cli {
@@ -28,7 +28,7 @@ std::vector<Controller> readControllers(Session& session, Report& report) {
     _MPIO_CONTROLLER_CONFIGURATION* block = nullptr;
     const unsigned long status =
         session.call("DSMGetControllerConfig", [&] { return DSMGetControllerConfig(&block); });
-    const TaskMemory<_MPIO_CONTROLLER_CONFIGURATION> owner(block);
+    const UniqueTaskMemory<_MPIO_CONTROLLER_CONFIGURATION> owner(block);
     if (status != DSM_SUCCESS || block == nullptr) {
         fail(report, "cannot list MPIO's controllers", status);
         return {};

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
@@ -12,7 +14,6 @@
 #include "cli/hints.h"
 #include "cli/library_log.h"
 #include "cli/names.h"
-#include "cli/task_memory.h"
 #include "cli/text.h"
 #include "quista/adapters.h"
 

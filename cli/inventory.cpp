@@ -14,8 +14,8 @@
 #include "cli/failure.h"
 #include "cli/format.h"
 #include "cli/hints.h"
-#include "cli/task_memory.h"
 #include "cli/text.h"
+#include "frame/task_memory.h"
 #include "quista/frame.h"
 #include "quista/luns.h"
 
@@ -46,7 +46,7 @@ Lun readLun(Session& session, IWbemClassObject* instance) {
     _KORVADSM_DISKINFO* block = nullptr;
     const unsigned long status =
         session.call("ParseDiskInfoKORVA", [&] { return ParseDiskInfoKORVA(instance, &block); });
-    const TaskMemory<_KORVADSM_DISKINFO> owner(block);
+    const UniqueTaskMemory<_KORVADSM_DISKINFO> owner(block);
     if (block != nullptr) return lunFrom(*block, status);
     Lun lun;
     lun.serialText = "-";
